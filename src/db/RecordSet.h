@@ -1,0 +1,123 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QSqlDatabase>
+#include <QStringList>
+#include <QVariant>
+#include <functional>
+
+class RecordSet;
+
+// What the record set is asked to do; the validate hook sees it before the record is left.
+enum class DataAction {
+    MoveFirst,
+    MovePrevious,
+    MoveNext,
+    MoveLast,
+    AddNew,
+    Update,
+    Delete,
+    Find,
+    Bookmark,
+    Close,
+    Unload
+};
+
+// The boxes of a window bound to columns: shows the current record and hands back what the
+// user changed. Implemented by the windows layer.
+class RecordBinding
+{
+public:
+    virtual ~RecordBinding() = default;
+    virtual void showRecord(const RecordSet& records) = 0;
+    virtual void collectEdits(RecordSet& records) = 0;
+};
+
+// The data control behind every item window: a record source (table name or SELECT in the Jet
+// dialect), the ordered row keys it yields, a current position with BOF/EOF, moves, finds, and
+// add/update/delete. Edits of the current row are buffered and written when the row is left.
+class RecordSet : public QObject
+{
+    Q_OBJECT
+public:
+    enum class FindResult { Found, NoMatch, Invalid };
+
+    explicit RecordSet(QSqlDatabase database, QObject* parent = nullptr);
+
+    void setDatabase(QSqlDatabase database) { m_db = std::move(database); }
+    void setRecordSource(const QString& source) { m_source = source; }
+    QString recordSource() const { return m_source; }
+    void setBinding(RecordBinding* binding) { m_binding = binding; }
+    // Runs before the current record is left, with the action that leaves it.
+    void setValidateHook(std::function<void(DataAction)> hook) { m_validate = std::move(hook); }
+
+    // Runs the record source again and stands on its first row (BOF and EOF when it has none).
+    bool refresh();
+    QString lastError() const { return m_lastError; }
+
+    bool bof() const { return m_pos < 0 && !m_deletedCurrent; }
+    bool eof() const { return m_pos >= m_ids.size() && !m_deletedCurrent; }
+    bool hasCurrent() const { return !m_deletedCurrent && m_pos >= 0 && m_pos < m_ids.size(); }
+    int recordCount() const { return int(m_ids.size()); }
+    // 0-based place of the current row; -1 when there is none.
+    int absolutePosition() const { return hasCurrent() ? int(m_pos) : -1; }
+    void setAbsolutePosition(int position);
+    qint64 bookmark() const { return hasCurrent() ? m_ids.at(m_pos) : -1; }
+    void setBookmark(qint64 bookmark);
+    QStringList columns() const { return m_columns; }
+
+    void moveFirst();
+    void movePrevious();
+    void moveNext();
+    void moveLast();
+
+    FindResult findFirst(const QString& criteria);
+    FindResult findNext(const QString& criteria);
+    bool noMatch() const { return m_noMatch; }
+
+    // AddNew followed at once by Update with no column set: a new row with the table's
+    // defaults, placed last; the current row stays where it was.
+    qint64 addNewAndUpdate();
+    // Writes the buffered edits of the current row (the Update action).
+    bool update();
+    // Deletes the current row; there is no current row until the next move.
+    bool deleteCurrent();
+    // Writes pending edits before the window goes (the Close action).
+    void close();
+
+    // The current row's value in the form a bound box shows; "" without a current row.
+    QString text(const QString& column) const;
+    QVariant storedValue(const QString& column) const;
+    // Buffers an edit of the current row; written when the row is left.
+    void setText(const QString& column, const QString& text);
+    bool isDirty() const { return !m_dirty.isEmpty(); }
+
+signals:
+    // The current row changed (or the source was reloaded).
+    void repositioned();
+    // Writing an edit failed; the text says why.
+    void writeFailed(const QString& message);
+
+private:
+    void leave(DataAction action);
+    bool save();
+    void moveTo(qsizetype position);
+    void loadCurrent();
+    FindResult find(const QString& criteria, qsizetype from);
+    QString sourceSql() const;
+
+    QSqlDatabase m_db;
+    QString m_source;
+    RecordBinding* m_binding = nullptr;
+    std::function<void(DataAction)> m_validate;
+    QStringList m_columns;
+    QList<qint64> m_ids;
+    qsizetype m_pos = -1;
+    bool m_deletedCurrent = false;
+    bool m_noMatch = false;
+    QHash<QString, QVariant> m_values; // current row, by lower-case column name
+    QHash<QString, QVariant> m_dirty;  // edits not yet written, by lower-case column name
+    QString m_lastError;
+};

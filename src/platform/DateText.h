@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QDateTime>
+#include <QLocale>
+#include <QString>
+
+// Dates are kept in the database as ISO text and shown in the session locale's form, with a
+// four-digit year, and the time only when it is not midnight ("6/8/1999 10:00:00 AM").
+namespace DateText {
+
+QString toDisplay(const QDateTime& value, const QLocale& locale = QLocale());
+// Accepts the locale's forms, "mm/dd/yyyy hh:mm:ss" and ISO; invalid when none fits.
+QDateTime fromDisplay(const QString& text, const QLocale& locale = QLocale());
+
+QString toStorage(const QDateTime& value); // "yyyy-MM-dd HH:mm:ss"
+QDateTime fromStorage(const QString& text);
+
+} // namespace DateText
