@@ -260,12 +260,12 @@ bool RecordSet::deleteCurrent()
     return true;
 }
 
-void RecordSet::close()
+void RecordSet::close(DataAction action)
 {
     if (!hasCurrent())
         return;
     if (m_validate)
-        m_validate(DataAction::Close);
+        m_validate(action);
     if (m_binding)
         m_binding->collectEdits(*this);
     save();

@@ -84,8 +84,9 @@ public:
     bool update();
     // Deletes the current row; there is no current row until the next move.
     bool deleteCurrent();
-    // Writes pending edits before the window goes (the Close action).
-    void close();
+    // Writes pending edits before the window goes: Close when the control closes, Unload when
+    // the whole window is unloaded (the validate hook tells the two apart).
+    void close(DataAction action = DataAction::Close);
 
     // The current row's value in the form a bound box shows; "" without a current row.
     QString text(const QString& column) const;
