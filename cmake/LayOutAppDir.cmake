@@ -1,0 +1,20 @@
+# cmake -DRESOURCES=... -DAPPDIR=... -P LayOutAppDir.cmake
+# Copies the program's media and pages into the application folder, replacing only what
+# changed. tb2.mdb is not touched here.
+set(files logovksm.gif tb2ug.htm URLSetup.htm standard.tbt)
+set(dirs Backgr Images Sounds)
+file(MAKE_DIRECTORY ${APPDIR})
+foreach(f ${files})
+    if(EXISTS ${RESOURCES}/${f})
+        file(COPY_FILE ${RESOURCES}/${f} ${APPDIR}/${f} ONLY_IF_DIFFERENT)
+    endif()
+endforeach()
+foreach(d ${dirs})
+    file(MAKE_DIRECTORY ${APPDIR}/${d})
+    if(IS_DIRECTORY ${RESOURCES}/${d})
+        file(GLOB entries RELATIVE ${RESOURCES}/${d} ${RESOURCES}/${d}/*)
+        foreach(e ${entries})
+            file(COPY_FILE ${RESOURCES}/${d}/${e} ${APPDIR}/${d}/${e} ONLY_IF_DIFFERENT)
+        endforeach()
+    endif()
+endforeach()
