@@ -6,6 +6,10 @@
 #include <atomic>
 #include <memory>
 
+namespace ftp_detail {
+struct Task;
+}
+
 // One FTP session with the seller's web space: connect and log in once, change directory, put
 // and delete files, log off. Every operation runs on a worker thread while the caller waits in
 // a local event loop, so windows stay live and the Abort button can call cancel(). Failures come
@@ -50,8 +54,7 @@ signals:
     void progress(int percent);
 
 private:
-    struct Request;
-    Result perform(Request& request);
+    Result perform(ftp_detail::Task& task);
     QString urlFor(const QString& directory, const QString& fileName) const;
 
     class CurlHandle;
