@@ -1,0 +1,204 @@
+#include "ftp/frmFTP.h"
+
+#include "ftp/texts.h"
+#include "platform/FtpClient.h"
+#include "platform/FtpErrors.h"
+#include "settings/AppContext.h"
+#include "ui_frmFTP.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QTimer>
+
+frmFTP::frmFTP(AppContext& ctx, QWidget* parent)
+    : QDialog(parent), m_ctx(ctx), ui(std::make_unique<Ui::frmFTP>())
+{
+    ui->setupUi(this);
+    setWindowTitle(FtpTexts::kCaption);
+    m_client = new FtpClient(this);
+    m_client->setObjectName(QStringLiteral("FtpClient1"));
+
+    ui->Meter->setAutoFillBackground(true);
+    QPalette bar = ui->Meter->palette();
+    bar.setColor(QPalette::Window, bar.color(QPalette::Highlight));
+    ui->Meter->setPalette(bar);
+    ui->Gauge->installEventFilter(this);
+    showMeter(false);
+    ui->CancelBtn->setVisible(false);
+    ui->CancelBtn->setEnabled(false);
+    ui->cmdClose->setEnabled(false);
+
+    connect(m_client, &FtpClient::progress, this, &frmFTP::onProgress);
+    connect(ui->CancelBtn, &QPushButton::clicked, this, &frmFTP::onAbort);
+    connect(ui->cmdClose, &QPushButton::clicked, this, &frmFTP::close);
+}
+
+frmFTP::~frmFTP()
+{
+    setBusyPointer(false);
+}
+
+QStringList frmFTP::statusLines() const
+{
+    QStringList lines;
+    for (int i = 0; i < ui->lstStatus->count(); ++i)
+        lines << ui->lstStatus->item(i)->text();
+    return lines;
+}
+
+void frmFTP::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    // Started from the event loop, so the window is painted before the first line appears.
+    if (!m_started)
+        QTimer::singleShot(0, this, &frmFTP::start);
+}
+
+void frmFTP::closeEvent(QCloseEvent* event)
+{
+    // The session waits inside this window; it ends by logging off, not by closing.
+    if (m_running)
+        event->ignore();
+    else
+        QDialog::closeEvent(event);
+}
+
+void frmFTP::reject()
+{
+    if (!m_running)
+        QDialog::reject();
+}
+
+void frmFTP::start()
+{
+    if (m_started)
+        return;
+    m_started = true;
+    m_running = true;
+    ui->cmdClose->setEnabled(false);
+
+    const AppState& state = m_ctx.state;
+    const OptionsRecord& options = state.options;
+    m_errors = FtpErrorState{};
+
+    FtpSessionInput input;
+    input.action = state.ftpAction;
+    std::copy(std::begin(state.uploadFiles), std::end(state.uploadFiles), input.files.begin());
+    input.host = options.remoteHost;
+    input.auctionDir = options.auctionDir;
+    input.uploadRelative = options.uploadRelative;
+    const FtpPlan plan = planFtpSession(input);
+
+    addLine(ftpConnectingLine(options.remoteHost));
+    const FtpClient::Result connected =
+        m_client->connectToHost(options.remoteHost, options.remotePort.trimmed().toInt(),
+                                options.ftpUserid, options.ftpPassword);
+    if (!connected.ok())
+        onError(connected.code);
+
+    if (m_errors.errorCode == 0) {
+        addLine(FtpTexts::kConnected);
+        const bool run =
+            input.action == FtpTexts::kUploadImages || input.action == FtpTexts::kRemoveImages;
+        // Where the directory cannot be entered the files go to the login directory.
+        if (run && !plan.directory.isEmpty())
+            m_client->changeDirectory(plan.directory);
+        for (const FtpStep& step : plan.steps) {
+            addLine(step.statusLine);
+            FtpClient::Result r;
+            if (step.kind == FtpStep::Kind::Delete) {
+                setBusyPointer(true);
+                r = m_client->deleteFile(step.remoteName);
+                setBusyPointer(false);
+            } else {
+                // The "Overwrite" choice is kept for the user, but a put always replaces.
+                r = m_client->putFile(step.localPath, step.remoteName);
+            }
+            if (!r.ok())
+                onError(r.code);
+        }
+        if (input.action == FtpTexts::kUploadImages)
+            m_errors.uploadMode.clear();
+
+        setBusyPointer(true);
+        m_client->disconnectFromHost();
+        addLine(FtpTexts::kLoggingOff);
+    }
+
+    ui->cmdClose->setEnabled(true);
+    setBusyPointer(false);
+    m_running = false;
+    emit finished();
+}
+
+void frmFTP::addLine(const QString& line)
+{
+    ui->lstStatus->addItem(line);
+    ui->lstStatus->scrollToBottom();
+}
+
+void frmFTP::onError(int code)
+{
+    if (m_errors.report(code))
+        ShowFtpError(m_ctx.prompts, code, m_ctx.state.ftpAction);
+}
+
+void frmFTP::onProgress(int percent)
+{
+    if (ui->Gauge->isHidden()) {
+        showMeter(true);
+        ui->CancelBtn->setVisible(true);
+        ui->CancelBtn->setEnabled(true);
+    }
+    m_percent = percent;
+    placeMeter();
+    ui->Pct->setText(QString::number(percent) + u'%');
+    if (percent == 100) {
+        ui->CancelBtn->setVisible(false);
+        ui->CancelBtn->setEnabled(false);
+        showMeter(false);
+        setBusyPointer(true); // until the session ends
+    }
+}
+
+void frmFTP::onAbort()
+{
+    ui->cmdClose->setEnabled(false);
+    setBusyPointer(true);
+    m_client->cancel();
+    ui->CancelBtn->setVisible(false);
+    ui->CancelBtn->setEnabled(false);
+    showMeter(false);
+}
+
+bool frmFTP::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == ui->Gauge && event->type() == QEvent::Resize)
+        placeMeter();
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmFTP::placeMeter()
+{
+    const QRect inside = ui->Gauge->contentsRect();
+    ui->Meter->setGeometry(inside.x(), inside.y(), m_percent * inside.width() / 100,
+                           inside.height());
+}
+
+void frmFTP::showMeter(bool shown)
+{
+    ui->Gauge->setVisible(shown);
+    ui->Meter->setVisible(shown);
+    ui->Pct->setVisible(shown);
+}
+
+void frmFTP::setBusyPointer(bool busy)
+{
+    if (busy == m_busyPointer)
+        return;
+    m_busyPointer = busy;
+    if (busy)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QApplication::restoreOverrideCursor();
+}
