@@ -67,6 +67,15 @@ DatabaseOpenResult openDatabase(const QString& path, const QString& connectionNa
         result.description = db.lastError().text();
         return result;
     }
+    // Installed before any statement runs: SQLite refuses to replace a function while a
+    // statement is still pending, and finds would then fall back to its own LIKE.
+    if (!installJetLike(db)) {
+        result.errorNumber = kErrNotADatabase;
+        result.source = QStringLiteral("DAO.Workspace");
+        result.description = QStringLiteral("Unrecognized database format '%1'.").arg(path);
+        db.close();
+        return result;
+    }
     QSqlQuery q(db);
     if (!q.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) {
         result.errorNumber = kErrNotADatabase;
@@ -85,7 +94,7 @@ DatabaseOpenResult openDatabase(const QString& path, const QString& connectionNa
         return result;
     }
     q.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
-    installJetLike(db);
+    q.finish();
     result.database = db;
     return result;
 }

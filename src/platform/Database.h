@@ -26,5 +26,6 @@ DatabaseOpenResult openDatabase(const QString& path, const QString& connectionNa
 // left alone. Returns an empty text on success, otherwise what went wrong.
 QString createDatabaseIfMissing(const QString& path, const QString& schemaScript);
 
-// Replaces like() on an already open SQLite connection with the Jet LIKE.
+// Replaces like() on an already open SQLite connection with the Jet LIKE. Fails while a
+// statement of the connection is still pending, so call it before running any.
 bool installJetLike(const QSqlDatabase& db);
