@@ -58,6 +58,8 @@ struct Field
 {
     FieldKind kind = FieldKind::Empty;
     QByteArray raw;
+    qsizetype start = 0;
+    qsizetype end = 0;
 };
 
 bool isBlank(char c)
@@ -119,12 +121,14 @@ public:
         while (m_pos < n && isBlank(m_data.at(m_pos)))
             ++m_pos;
         Field field;
+        field.start = m_pos;
         if (m_pos < n && m_data.at(m_pos) == '"') {
             const qsizetype close = m_data.indexOf('"', m_pos + 1);
             const qsizetype end = close < 0 ? n : close;
             field.kind = FieldKind::String;
             field.raw = m_data.mid(m_pos + 1, end - m_pos - 1);
             m_pos = close < 0 ? n : close + 1;
+            field.end = m_pos;
             // Anything between the closing quote and the separator is not part of the value.
             while (m_pos < n && m_data.at(m_pos) != ',' && !isLineEnd(m_data.at(m_pos)))
                 ++m_pos;
@@ -135,6 +139,7 @@ public:
             field.raw = m_data.mid(start, m_pos - start);
             while (!field.raw.isEmpty() && isBlank(field.raw.back()))
                 field.raw.chop(1);
+            field.end = start + field.raw.size();
             field.kind = classify(field.raw);
         }
         skipSeparator();
@@ -151,6 +156,9 @@ public:
     }
 
     const QString& path() const { return m_path; }
+    qsizetype pos() const { return m_pos; }
+    qsizetype size() const { return m_data.size(); }
+    QByteArray bytes(qsizetype from, qsizetype to) const { return m_data.mid(from, to - from); }
 
 private:
     void skipSeparator()
@@ -310,23 +318,6 @@ QByteArray record(const QList<QByteArray>& fields)
     return line + "\r\n";
 }
 
-// A field written back as it was read: strings quoted, everything else in its own form.
-QByteArray asRead(const Field& field)
-{
-    switch (field.kind) {
-    case FieldKind::String:
-    case FieldKind::Bare:
-        return '"' + field.raw + '"';
-    case FieldKind::Boolean:
-        return field.raw.toUpper();
-    case FieldKind::Empty:
-    case FieldKind::Number:
-    case FieldKind::Date:
-        break;
-    }
-    return field.raw;
-}
-
 // The record as the editor writes it; a new theme's record carries its sound loop as 1.
 QByteArray themeRecord(const Theme& t, bool newRecord)
 {
@@ -365,24 +356,36 @@ bool holdsQuote(const Theme& t)
     return false;
 }
 
-// Another theme's record on its way through a rewrite: its font groups are typed on the way,
-// so sizes become whole points; everything else is kept byte for byte.
-QByteArray copiedRecord(const QList<Field>& fields, const FieldReader& reader)
+// Another theme's record on its way through a rewrite, from its bytes [from, to) in the file.
+// Its font groups pass through their types, so a fractional size becomes whole points (and a
+// value written in another form takes the form of its type); every other byte is kept.
+QByteArray copiedRecord(const QList<Field>& fields, const FieldReader& reader, qsizetype from,
+                        qsizetype to)
 {
-    QList<QByteArray> out;
-    out.reserve(kThemeFieldCount);
-    for (int i = 0; i < 15; ++i)
-        out << asRead(fields.at(i));
+    QList<QPair<const Field*, QByteArray>> changes;
+    const auto typed = [&](const Field& field, const QByteArray& text) {
+        if (field.raw != text || field.kind == FieldKind::String || field.kind == FieldKind::Bare)
+            changes.append({&field, text});
+    };
     for (int g = 0; g < kFontGroupCount; ++g) {
         const int base = 15 + g * 5;
         const Field& face = fields.at(base);
-        out << (face.kind == FieldKind::String ? '"' + face.raw + '"' : quoted(toText(face)))
-            << QByteArray::number(toLong(fields.at(base + 1), reader, base + 2))
-            << QByteArray::number(toInteger(fields.at(base + 2), reader, base + 3))
-            << booleanText(toBoolean(fields.at(base + 3), reader, base + 4))
-            << booleanText(toBoolean(fields.at(base + 4), reader, base + 5));
+        if (face.kind != FieldKind::String)
+            changes.append({&face, quoted(toText(face))});
+        typed(fields.at(base + 1),
+              QByteArray::number(toLong(fields.at(base + 1), reader, base + 2)));
+        typed(fields.at(base + 2),
+              QByteArray::number(toInteger(fields.at(base + 2), reader, base + 3)));
+        typed(fields.at(base + 3), booleanText(toBoolean(fields.at(base + 3), reader, base + 4)));
+        typed(fields.at(base + 4), booleanText(toBoolean(fields.at(base + 4), reader, base + 5)));
     }
-    return record(out);
+    QByteArray out;
+    qsizetype at = from;
+    for (const auto& [field, text] : changes) {
+        out += reader.bytes(at, field->start) + text;
+        at = field->end;
+    }
+    return out + reader.bytes(at, to);
 }
 
 Theme themeFromFields(const QList<Field>& f, const FieldReader& reader)
@@ -519,15 +522,14 @@ MaybeMessage rewrite(const QString& path, const QString& appPath, Decide decide)
         return missing;
     try {
         FieldReader reader(readWholeFile(path), path);
-        QByteArray out;
-        for (int r = 0; r < kHeaderRecords; ++r) {
-            const QList<Field> header = reader.next(2);
-            out += record({asRead(header.at(0)), asRead(header.at(1))});
-        }
+        reader.next(kHeaderFields);
+        QByteArray out = reader.bytes(0, reader.pos());
         while (!reader.atEndOfRecords()) {
+            const qsizetype from = reader.pos();
             const QList<Field> fields = reader.next(kThemeFieldCount);
-            out += decide(toText(fields.at(0)), fields, reader);
+            out += decide(toText(fields.at(0)), fields, reader, from, reader.pos());
         }
+        out += reader.bytes(reader.pos(), reader.size());
         replaceThroughTemp(path, appPath, out);
     } catch (const ThemeFileError& error) {
         return errorMessage(error);
@@ -687,8 +689,9 @@ MaybeMessage replaceTheme(const QString& path, const Theme& theme, const QString
         return ThemeSetMessage{kQuoteInTheme, kQuoteInThemeTitle, PromptIcon::Exclamation};
     const QByteArray current = themeRecord(theme, false);
     return rewrite(path, appPath,
-                   [&](const QString& name, const QList<Field>& fields, const FieldReader& reader) {
-                       return name == theme.name ? current : copiedRecord(fields, reader);
+                   [&](const QString& name, const QList<Field>& fields, const FieldReader& reader,
+                       qsizetype from, qsizetype to) {
+                       return name == theme.name ? current : copiedRecord(fields, reader, from, to);
                    });
 }
 
@@ -696,11 +699,12 @@ MaybeMessage deleteTheme(const QString& path, const QString& name, const QString
 {
     if (name == ThemeSetText::kDefaultTheme)
         return ThemeSetMessage{kCannotDeleteDefault, kCannotDeleteTitle, PromptIcon::Information};
-    return rewrite(
-        path, appPath,
-        [&](const QString& recordName, const QList<Field>& fields, const FieldReader& reader) {
-            return recordName == name ? QByteArray() : copiedRecord(fields, reader);
-        });
+    return rewrite(path, appPath,
+                   [&](const QString& recordName, const QList<Field>& fields,
+                       const FieldReader& reader, qsizetype from, qsizetype to) {
+                       return recordName == name ? QByteArray()
+                                                 : copiedRecord(fields, reader, from, to);
+                   });
 }
 
 QString expandPathToken(const QString& path, const QString& token, const QString& folder,
