@@ -57,8 +57,9 @@ public:
     bool refresh();
     QString lastError() const { return m_lastError; }
 
-    bool bof() const { return m_pos < 0 && !m_deletedCurrent; }
-    bool eof() const { return m_pos >= m_ids.size() && !m_deletedCurrent; }
+    // An empty record set stands before the first and after the last row at once.
+    bool bof() const { return (m_pos < 0 || m_ids.isEmpty()) && !m_deletedCurrent; }
+    bool eof() const { return (m_pos >= m_ids.size() || m_ids.isEmpty()) && !m_deletedCurrent; }
     bool hasCurrent() const { return !m_deletedCurrent && m_pos >= 0 && m_pos < m_ids.size(); }
     int recordCount() const { return int(m_ids.size()); }
     // 0-based place of the current row; -1 when there is none.

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QSize>
+#include <QStringList>
+#include <memory>
+
+class Prompts;
+class Shell;
+class SettingsStore;
+class TimeZone;
+class QLockFile;
+class frmItems;
+struct AppContext;
+
+// Start-up in order: application folder, tb2.mdb, settings, splash, one copy per folder, the
+// item window with its last view. Kept apart from main() so tests run it with their seams.
+class Launcher
+{
+public:
+    Launcher(Prompts& prompts, Shell& shell, SettingsStore& store, TimeZone& timeZone);
+    ~Launcher();
+
+    // False when the program must end now (its message has been shown); exitCode() then says
+    // how. On success the item window is shown.
+    bool start(const QStringList& arguments, const QString& executableDir, QSize screenPixels);
+    int exitCode() const { return m_exitCode; }
+    frmItems* window() const { return m_window.get(); }
+    AppContext* context() const { return m_context.get(); }
+
+private:
+    Prompts& m_prompts;
+    Shell& m_shell;
+    SettingsStore& m_store;
+    TimeZone& m_timeZone;
+    std::unique_ptr<AppContext> m_context;
+    std::unique_ptr<QLockFile> m_lock;
+    std::unique_ptr<frmItems> m_window;
+    QString m_connection;
+    int m_exitCode = 0;
+};
