@@ -174,13 +174,15 @@ void RecordSet::setBookmark(qint64 bookmark)
 
 RecordSet::FindResult RecordSet::find(const QString& criteria, qsizetype from)
 {
-    leave(DataAction::Find);
-    m_noMatch = true;
+    // A criteria that cannot be read is refused before the row is left: nothing is written.
     const JetTranslation t = translateJet(criteria);
     if (!t.ok()) {
+        m_noMatch = true;
         m_lastError = t.error;
         return FindResult::Invalid;
     }
+    leave(DataAction::Find);
+    m_noMatch = true;
     QSqlQuery q(m_db);
     q.setForwardOnly(true);
     if (!q.exec(QLatin1String("SELECT ID FROM (") + sourceSql() + QLatin1String(") WHERE ") +
@@ -295,9 +297,11 @@ void RecordSet::setText(const QString& column, const QString& text)
         return;
     const QVariant stored = ItemColumns::fromText(kind, text);
     const QVariant current = m_values.value(column.toLower());
-    if (stored.isNull() && current.isNull())
+    // Setting the kept value again withdraws an earlier edit instead of leaving it pending.
+    if ((stored.isNull() && current.isNull()) ||
+        (!stored.isNull() && !current.isNull() && stored.toString() == current.toString())) {
+        m_dirty.remove(column.toLower());
         return;
-    if (!stored.isNull() && !current.isNull() && stored.toString() == current.toString())
-        return;
+    }
     m_dirty.insert(column.toLower(), stored);
 }
