@@ -1,5 +1,7 @@
 #include "platform/Money.h"
 
+#include <QtNumeric>
+
 #include <algorithm>
 #include <limits>
 
@@ -46,7 +48,11 @@ std::optional<Money> Money::parse(const QString& input)
         return std::nullopt;
     for (int k = std::min(fractionDigits, 4); k < 4; ++k)
         fraction *= 10;
-    qint64 units = whole * kScale + fraction + (roundUp ? 1 : 0);
+    // The largest amount is 922337203685477.5807; anything beyond is refused, not wrapped.
+    qint64 units = 0;
+    if (qMulOverflow(whole, kScale, &units) ||
+        qAddOverflow(units, fraction + (roundUp ? 1 : 0), &units))
+        return std::nullopt;
     return Money(negative ? -units : units);
 }
 
