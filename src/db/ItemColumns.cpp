@@ -118,8 +118,14 @@ QVariant fromText(ColumnKind kind, const QString& text)
         const QDateTime dt = DateText::fromDisplay(text);
         return dt.isValid() ? QVariant(DateText::toStorage(dt)) : QVariant(text);
     }
-    case ColumnKind::YesNo:
-        return QVariant(qlonglong(text.trimmed() == QLatin1String("0") || text.isEmpty() ? 0 : 1));
+    case ColumnKind::YesNo: {
+        // Check boxes hand over "1"/"0"; other writers may use the words.
+        const QString t = text.trimmed();
+        const bool no = t.isEmpty() || t == QLatin1String("0") ||
+                        t.compare(QLatin1String("False"), Qt::CaseInsensitive) == 0 ||
+                        t.compare(QLatin1String("No"), Qt::CaseInsensitive) == 0;
+        return QVariant(qlonglong(no ? 0 : 1));
+    }
     case ColumnKind::Id:
         return QVariant(text.toLongLong());
     case ColumnKind::Text:
