@@ -46,6 +46,25 @@ QString unescaped(const QString& value)
     return out;
 }
 
+// Blanks at either end of a value would be lost to the trimming of hand-edited lines, so such a
+// value (and one that starts with a quote itself) is written between double quotes.
+QString written(const QString& value)
+{
+    const QString text = escaped(value);
+    if (!text.isEmpty() &&
+        (text.front().isSpace() || text.back().isSpace() || text.front() == u'"'))
+        return u'"' + text + u'"';
+    return text;
+}
+
+QString read(const QString& field)
+{
+    QString text = field.trimmed();
+    if (text.size() >= 2 && text.front() == u'"' && text.back() == u'"')
+        text = text.mid(1, text.size() - 2);
+    return unescaped(text);
+}
+
 } // namespace
 
 QString SettingsStore::defaultFolder()
@@ -91,7 +110,7 @@ SettingsStore::File& SettingsStore::load(const QString& application) const
             if (eq <= 0 || !current)
                 continue; // a damaged line is skipped, the rest of the file still counts
             const QString key = line.left(eq).trimmed();
-            const QString value = unescaped(line.mid(eq + 1));
+            const QString value = read(line.mid(eq + 1));
             bool found = false;
             for (Entry& e : current->entries)
                 if (sameName(e.key, key)) {
@@ -115,7 +134,7 @@ bool SettingsStore::write(const QString& application, const File& file) const
     for (const Section& s : file.sections) {
         data += '[' + s.name.toUtf8() + "]\n";
         for (const Entry& e : s.entries)
-            data += e.key.toUtf8() + '=' + escaped(e.value).toUtf8() + '\n';
+            data += e.key.toUtf8() + '=' + written(e.value).toUtf8() + '\n';
         data += '\n';
     }
     out.write(data);
