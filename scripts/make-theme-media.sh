@@ -40,10 +40,10 @@ tile parchment.jpg 160 7 3 '#E6D5B0' '#F8EFD9'
     -fx '0.5+0.5*cos(2*pi*3*i/w)*cos(2*pi*3*j/h)' -level 20%,100% \
     +level-colors '#D4EBC6,#F2F9EC' -strip -quality 72 "$BACKGR/garden.jpg"
 
-# Night sky: a few sparse stars on deep blue.
+# Twilight sky: sparse white stars on a pale blue-grey, light enough for the page's own text.
 "$CONVERT" -size 200x200 xc:gray50 -seed 3 +noise Random -colorspace Gray -threshold 99.3% \
-    -virtual-pixel tile -blur 0x0.6 -auto-level -colorspace sRGB -type TrueColor +level-colors '#0E1530,#F4F6FF' \
-    -strip -quality 75 "$BACKGR/stars.jpg"
+    -virtual-pixel tile -blur 0x0.6 -auto-level -colorspace sRGB -type TrueColor \
+    +level-colors '#C5CDE2,#FFFFFF' -strip -quality 75 "$BACKGR/stars.jpg"
 
 # ---- pictures ---------------------------------------------------------------------------------
 gif() { # name size background draw-args...
@@ -84,8 +84,8 @@ for k in range(10):
     pts.append("%d,%d" % (round(cx + rr * math.cos(a)), round(cy + rr * math.sin(a))))
 print("polygon " + " ".join(pts))' "$@"
 }
-gif star_rule.gif 480x28 -fill none -stroke '#E8C547' -strokewidth 1 \
-    -draw 'line 20,14 200,14' -draw 'line 280,14 460,14' -stroke none -fill '#F4D35E' \
+gif star_rule.gif 480x28 -fill none -stroke '#B8960B' -strokewidth 1 \
+    -draw 'line 20,14 200,14' -draw 'line 280,14 460,14' -stroke '#9A7B1E' -fill '#F4D35E' \
     -draw "$(star 240 14 12)" -draw "$(star 214 14 7)" -draw "$(star 266 14 7)"
 
 # Title pictures beside the heading.
@@ -112,7 +112,7 @@ gif rosette.gif 72x72 -fill '#9B2335' -stroke none \
 "$CONVERT" -size 320x64 xc:none +antialias -fill '#FFF6E0' -stroke '#7A4A2A' -strokewidth 3 \
     -draw 'roundrectangle 2,2 317,61 12,12' -antialias -stroke none -fill '#4A2C2A' \
     -font Times-BoldItalic -pointsize 26 -gravity center -annotate +0+0 'Thank you for looking!' \
-    -background '#FFF6E0' -flatten -colors 32 -strip "$IMAGES/thanks.gif"
+    -background '#FFFDF7' -flatten +dither -colors 32 -strip "$IMAGES/thanks.gif"
 
 # ---- sounds -----------------------------------------------------------------------------------
 /usr/bin/python3 - "$SOUNDS" <<'EOF'
