@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include <curl/curl.h>
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <functional>
@@ -234,6 +235,16 @@ int onProgress(void* data, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent)
     return 0;
 }
 
+// A small send buffer keeps the percent shown close to what really left the machine: with
+// the system's large default a whole picture vanishes into the buffer at once and the meter
+// reads 100 while a slow line is still sending it.
+int onSocket(void*, curl_socket_t socket, curlsocktype)
+{
+    const int bytes = 256 * 1024;
+    ::setsockopt(socket, SOL_SOCKET, SO_SNDBUF, &bytes, sizeof bytes);
+    return CURL_SOCKOPT_OK;
+}
+
 size_t onRead(char* buffer, size_t size, size_t count, void* data)
 {
     auto* t = static_cast<Task*>(data);
@@ -326,6 +337,7 @@ FtpClient::Result FtpClient::perform(Task& request)
                 curl_easy_setopt(h, CURLOPT_LOW_SPEED_LIMIT, 1L);
                 curl_easy_setopt(h, CURLOPT_LOW_SPEED_TIME, timeout);
                 curl_easy_setopt(h, CURLOPT_ERRORBUFFER, request.errorBuffer);
+                curl_easy_setopt(h, CURLOPT_SOCKOPTFUNCTION, &onSocket);
                 curl_easy_setopt(h, CURLOPT_NOPROGRESS, 0L);
                 curl_easy_setopt(h, CURLOPT_XFERINFOFUNCTION, &onProgress);
                 curl_easy_setopt(h, CURLOPT_XFERINFODATA, &request);
