@@ -41,18 +41,27 @@ QDateTime fromDisplay(const QString& input, const QLocale& locale)
     text.replace(QChar(0x202F), u' ').replace(QChar(0x00A0), u' ');
     if (text.isEmpty())
         return {};
-    const QString date = fullYearDateFormat(locale);
     QStringList timeForms{secondsTimeFormat(locale), locale.timeFormat(QLocale::ShortFormat)};
     for (QString& f : timeForms)
         f.replace(QChar(0x202F), u' ').replace(QChar(0x00A0), u' ');
-    for (const QString& t : timeForms) {
-        const QDateTime dt = locale.toDateTime(text, date + u' ' + t);
+    const auto withTimes = [&](const QString& dateForm) {
+        for (const QString& t : timeForms) {
+            const QDateTime dt = locale.toDateTime(text, dateForm + u' ' + t);
+            if (dt.isValid())
+                return dt;
+        }
+        const QDate d = locale.toDate(text, dateForm);
+        return d.isValid() ? QDateTime(d, QTime(0, 0)) : QDateTime();
+    };
+    if (const QDateTime dt = withTimes(fullYearDateFormat(locale)); dt.isValid())
+        return dt;
+    // The locale's own short form has a two-digit year: 30 to 99 are 19xx, 00 to 29 are 20xx.
+    const QString shortDate = locale.dateFormat(QLocale::ShortFormat);
+    if (!shortDate.contains(QLatin1String("yyyy"))) {
+        const QDateTime dt = withTimes(shortDate);
         if (dt.isValid())
-            return dt;
+            return dt.date().year() < 1930 ? dt.addYears(100) : dt;
     }
-    const QDate d = locale.toDate(text, date);
-    if (d.isValid())
-        return QDateTime(d, QTime(0, 0));
     static const char* const fallbacks[] = {
         "M/d/yyyy H:mm:ss", "M/d/yyyy h:mm:ss AP", "M/d/yyyy H:mm", "M/d/yyyy h:mm AP",
         "M/d/yyyy",         "yyyy-MM-dd HH:mm:ss", "yyyy-MM-ddTHH:mm:ss", "yyyy-MM-dd"};
