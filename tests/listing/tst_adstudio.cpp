@@ -103,6 +103,7 @@ private slots:
     void mediaFindFilters();
     void leavingMediaBoxChecksFile();
     void listingReadsUnsavedControls();
+    void shippedThemesFindTheirMedia();
     void tabsLaidOutWithoutOverlap();
 };
 
@@ -577,6 +578,29 @@ void TestAdStudio::listingReadsUnsavedControls()
     QCOMPARE(request.media.soundFile, s.env.appPath() + QStringLiteral("/Sounds/surf.wav"));
     QCOMPARE(request.roleTexts.seeOther, QStringLiteral("More of mine"));
     QCOMPARE(s.form->mediaPaths().at(4), QStringLiteral("/pics/new.gif"));
+}
+
+void TestAdStudio::shippedThemesFindTheirMedia()
+{
+    TestEnvironment env;
+    const QString resources = qEnvironmentVariable("TB_SOURCE_DIR") + QStringLiteral("/resources");
+    QVERIFY(QFile::copy(resources + QStringLiteral("/standard.tbt"),
+                        env.path(QStringLiteral("standard.tbt"))));
+    for (const QString folder : {"Backgr", "Images", "Sounds"}) {
+        QDir(env.appPath()).mkdir(folder);
+        for (const QFileInfo& file : QDir(resources + u'/' + folder).entryInfoList(QDir::Files))
+            QFile::copy(file.filePath(), env.path(folder + u'/' + file.fileName()));
+    }
+    frmAdStudio form(env.context());
+    auto* combo = form.findChild<QComboBox*>("cmbThemes");
+    QVERIFY(combo->count() > 1);
+    for (int i = 0; i < combo->count(); ++i) {
+        combo->setCurrentIndex(i);
+        emit combo->activated(i);
+        for (const QString& path : form.mediaPaths())
+            QVERIFY2(path.isEmpty() || QFileInfo(path).isFile(), qPrintable(path));
+    }
+    QVERIFY(env.prompts().shown().isEmpty());
 }
 
 // The widgets a person sees side by side under root: tab widgets and combo boxes count as one.
