@@ -383,18 +383,9 @@ void TestThemeSet::missingFile()
         QStringLiteral("Missing Themeset"), PromptIcon::Exclamation};
     QCOMPARE(*listThemeNames(missing).message, editor);
     QCOMPARE(*loadTheme(missing, QStringLiteral("Default"), m_dir->path()).message, editor);
-    QCOMPARE(*replaceTheme(missing, editedTheme(QStringLiteral("Default")), m_dir->path()), editor);
-    QCOMPARE(*appendTheme(missing, editedTheme(QStringLiteral("X"))), editor);
     QVERIFY(!QFile::exists(missing));
     QCOMPARE(readThemeForListing(missing, QStringLiteral("Default")).message->text,
              QStringLiteral("The requested Themeset file does not exist.  Request aborted."));
-
-    // The theme is named in the listing's refusal together with the file.
-    QVERIFY(!CreateThemeSet(file(), QDate(2024, 3, 9)));
-    QCOMPARE(*readThemeForListing(file(), QStringLiteral("Gone")).message,
-             (ThemeSetMessage{QStringLiteral("Theme: Gone does not exist in Themeset: ") + file() +
-                                  QStringLiteral(".  Request aborted."),
-                              QStringLiteral("Missing Theme"), PromptIcon::Exclamation}));
 }
 
 void TestThemeSet::roleTexts()
