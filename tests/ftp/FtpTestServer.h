@@ -59,5 +59,5 @@ private:
 
 // A port on 127.0.0.1 that nothing listens on (taken, then released).
 int unusedPort();
-// Bytes that catch text-mode or truncation faults: every byte value, CR LF pairs, a lone CR.
+// Bytes that catch text-mode or truncation faults.
 QByteArray binarySample(int size, int seed);

@@ -80,15 +80,19 @@ void TestFrmFtp::uploadRun_data()
     QTest::addColumn<QString>("landsIn");
     QTest::addColumn<QString>("kind");
 
-    QTest::newRow("relative") << "UploadImages"
-                              << "pics" << true << "/www/pics"
+    const QString up = QStringLiteral("UploadImages");
+    QTest::newRow("relative") << up << "pics" << true << "/www/pics"
                               << "Relative";
-    QTest::newRow("absolute") << "UploadImages"
-                              << "pics" << false << "/pics"
+    QTest::newRow("absolute") << up << "pics" << false << "/pics"
                               << "Absolute";
-    QTest::newRow("no directory") << "UploadImages"
-                                  << "" << true << "/www"
+    QTest::newRow("nested relative") << up << "a/b c" << true << "/www/a/b c"
+                                     << "Relative";
+    QTest::newRow("default .\\") << up << ".\\" << true << "/www"
+                                 << "Relative";
+    QTest::newRow("no directory") << up << "" << true << "/www"
                                   << "";
+    QTest::newRow("directory missing: login folder") << up << "gone" << true << "/www"
+                                                     << "Relative";
     QTest::newRow("connect only") << "Test"
                                   << "pics" << true << ""
                                   << "";
@@ -103,14 +107,16 @@ void TestFrmFtp::uploadRun()
     QFETCH(QString, kind);
 
     FtpTestServer server;
-    server.makeDir(QStringLiteral("/www/pics"));
-    server.makeDir(QStringLiteral("/pics"));
+    for (const char* dir : {"/www/pics", "/pics", "/www/a/b c"})
+        server.makeDir(QString::fromUtf8(dir));
     TestEnvironment env;
     AppContext& ctx = env.context();
     setConnection(ctx, server.port());
     ctx.state.options.auctionDir = auctionDir;
     ctx.state.options.uploadRelative = relative;
     ctx.state.ftpAction = action;
+    // Slots 1, 3 and 5; slot 0 is never used; a blank after a path is not part of the name.
+    ctx.state.uploadFiles[0] = env.writeFile(QStringLiteral("zero.jpg"), "slot 0");
     const QList<QPair<QString, QByteArray>> pictures = {
         {QStringLiteral("front.jpg"), binarySample(400000, 7)},
         {QStringLiteral("side.jpg"), binarySample(5000, 8)},
@@ -118,10 +124,10 @@ void TestFrmFtp::uploadRun()
     };
     QStringList expected{QStringLiteral("Connecting to ") + kHost, QStringLiteral("Connected.")};
     for (int i = 0; i < pictures.size(); ++i) {
-        ctx.state.uploadFiles[i + 1] = env.writeFile(pictures[i].first, pictures[i].second);
+        QString& slot = ctx.state.uploadFiles[2 * i + 1];
+        slot = env.writeFile(pictures[i].first, pictures[i].second) + (i == 1 ? " " : "");
         if (action == u"UploadImages")
-            expected << transferLine(ctx.state.uploadFiles[i + 1], kind, auctionDir,
-                                     pictures[i].first);
+            expected << transferLine(slot, kind, auctionDir, pictures[i].first);
     }
     expected << kLoggingOff;
 
@@ -155,6 +161,7 @@ void TestFrmFtp::uploadRun()
     if (action == u"UploadImages") {
         for (const auto& [name, bytes] : pictures)
             QCOMPARE(server.content(landsIn + u'/' + name), bytes);
+        QVERIFY(!server.exists(landsIn + QStringLiteral("/zero.jpg")));
         QVERIFY(meterSeen.contains(QStringLiteral("ok")));
         QCOMPARE(meterSeen.count(QStringLiteral("done")), 3);
     } else {
@@ -206,11 +213,12 @@ void TestFrmFtp::connectFailures_data()
 {
     QTest::addColumn<QString>("action");
     QTest::addColumn<QString>("host");
-    QTest::addColumn<int>("port"); // 0 = the server's, -1 = a closed port
+    QTest::addColumn<int>("port"); // 0 = the server's, -1 = a closed port, -2 = not a number
     QTest::addColumn<QString>("password");
     QTest::addColumn<int>("code");
 
     const QString up = QStringLiteral("UploadImages");
+    QTest::newRow("server never answers") << up << kHost << 0 << "secret" << 22020;
     QTest::newRow("wrong password") << up << kHost << 0 << "guess" << 22039;
     QTest::newRow("refused port") << up << kHost << -1 << "secret" << 22008;
     QTest::newRow("unknown host") << up << "ftp.seller.invalid" << 0 << "secret" << 22005;
@@ -226,7 +234,7 @@ void TestFrmFtp::connectFailures()
     QFETCH(QString, password);
     QFETCH(int, code);
 
-    FtpTestServer server;
+    FtpTestServer server(code == 22020 ? QStringLiteral("hang") : QStringLiteral("normal"));
     TestEnvironment env;
     AppContext& ctx = env.context();
     setConnection(ctx, port == 0 ? server.port() : unusedPort(), password);
@@ -237,6 +245,7 @@ void TestFrmFtp::connectFailures()
     ctx.state.uploadFiles[1] = env.writeFile(QStringLiteral("a.jpg"), "picture");
 
     frmFTP window(ctx);
+    window.client().setTimeoutSeconds(2);
     QVERIFY(runSession(window));
 
     // No "Connected.", no run, no logging off; Close is enabled all the same.
@@ -347,90 +356,53 @@ void TestFrmFtp::abortDuringTransfer()
 
 void TestFrmFtp::uploadCommand_data()
 {
-    QTest::addColumn<bool>("media");
-    QTest::addColumn<QStringList>("names"); // files written into the app folder; "!x" is absent
-    QTest::addColumn<QString>("blankSetting");
+    QTest::addColumn<QStringList>("names"); // pictures written into the app folder
+    QTest::addColumn<bool>("hostSet");
     QTest::addColumn<QString>("message"); // "" = the FTP window runs
-    QTest::addColumn<int>("optionsOpened");
 
-    const QString img = QStringLiteral(" before uploading images.");
-    QTest::newRow("pictures uploaded") << false << QStringList{"a.jpg", "", "c.jpg"} << ""
-                                       << "" << 0;
-    QTest::newRow("no pictures: connect and log off") << false << QStringList{"", " ", ""} << ""
-                                                      << "" << 0;
-    QTest::newRow("media uploaded")
-        << true << QStringList{"bg.gif", "s.wav", "b.gif", "t.gif", "i.gif"} << ""
-        << "" << 0;
-    QTest::newRow("picture missing") << false << QStringList{"a.jpg", "!b.jpg", ""} << ""
-                                     << "!b.jpg" << 0;
-    QTest::newRow("host missing") << false << QStringList{"a.jpg"} << "remoteHost"
-                                  << "A Remote Host must be specified on the options screen" + img
-                                  << 1;
-    QTest::newRow("password missing")
-        << true << QStringList{} << "ftpPassword"
-        << "An FTP Password must be specified before uploading files.  Please supply on the "
-           "Options panel under the ISP Properties tab."
-        << 1;
+    QTest::newRow("pictures uploaded") << QStringList{"a.jpg", "", "c.jpg"} << true << "";
+    QTest::newRow("no pictures: connect and log off") << QStringList{"", " ", ""} << true << "";
+    QTest::newRow("host missing")
+        << QStringList{"a.jpg"} << false
+        << "A Remote Host must be specified on the options screen before uploading images.";
 }
 
 void TestFrmFtp::uploadCommand()
 {
-    QFETCH(bool, media);
     QFETCH(QStringList, names);
-    QFETCH(QString, blankSetting);
+    QFETCH(bool, hostSet);
     QFETCH(QString, message);
-    QFETCH(int, optionsOpened);
 
     FtpTestServer server;
     server.makeDir(QStringLiteral("/www/pics"));
     TestEnvironment env;
     AppContext& ctx = env.context();
     setConnection(ctx, server.port());
-    if (blankSetting == u"remoteHost")
-        ctx.state.options.remoteHost.clear();
-    if (blankSetting == u"ftpPassword")
-        ctx.state.options.ftpPassword = QStringLiteral("  ");
+    if (!hostSet)
+        ctx.state.options.remoteHost = QStringLiteral(" ");
     ctx.state.ftpAction = QStringLiteral("RemoveImages"); // left over from a clean-up
-    for (QString& slot : ctx.state.uploadFiles)
-        slot = QStringLiteral("stale");
-
-    QStringList paths;
-    QStringList uploaded;
+    QStringList paths, uploaded;
     for (const QString& name : names) {
-        if (name.trimmed().isEmpty()) {
-            paths << name;
-        } else if (name.startsWith(u'!')) {
-            paths << env.path(name);
-        } else {
-            paths << env.writeFile(name, name.toUtf8());
+        paths << (name.trimmed().isEmpty() ? name : env.writeFile(name, name.toUtf8()));
+        if (!name.trimmed().isEmpty())
             uploaded << name;
-        }
     }
 
     QWidget itemWindow;
-    int opened = 0;
-    QPointer<frmFTP> window =
-        runUploadCommand(ctx, media ? UploadSource::AdStudioMedia : UploadSource::ItemPictures,
-                         paths, &itemWindow, [&] { ++opened; });
-    QCOMPARE(opened, optionsOpened);
-    QCOMPARE(ctx.state.uploadFiles[0], QString());
-
+    int optionsOpened = 0;
+    QPointer<frmFTP> window = runUploadCommand(ctx, UploadSource::ItemPictures, paths, &itemWindow,
+                                               [&] { ++optionsOpened; });
+    QCOMPARE(optionsOpened, hostSet ? 0 : 1);
     if (!message.isEmpty()) {
         QVERIFY(window.isNull());
-        QCOMPARE(env.prompts().shown().size(), 1);
-        const QString text =
-            message.startsWith(u'!')
-                ? "Can't find graphic file: " + env.path(message) + ". Upload not performed."
-                : message;
-        QCOMPARE(env.prompts().shown().first().text, text);
+        QCOMPARE(boxTexts(env.prompts()), QStringList{message});
         QCOMPARE(ctx.state.ftpAction, QStringLiteral("RemoveImages"));
         return;
     }
 
     QVERIFY(!window.isNull());
     QCOMPARE(ctx.state.ftpAction, QStringLiteral("UploadImages"));
-    QVERIFY(window->isVisible());
-    QVERIFY(!window->isModal());
+    QVERIFY(window->isVisible() && !window->isModal());
     QCOMPARE(window->parentWidget(), &itemWindow);
     QSignalSpy done(window.data(), &frmFTP::finished);
     QVERIFY(done.wait(60000));
