@@ -26,9 +26,9 @@ std::optional<QString> dateLiteral(const QString& body)
     const QString t = body.trimmed();
     for (const char* f : formats) {
         const QDateTime dt = QDateTime::fromString(t, QString::fromLatin1(f));
+        // The form dates are stored in, midnight included, so = and < compare like dates.
         if (dt.isValid())
-            return dt.time() == QTime(0, 0) ? dt.toString(QStringLiteral("yyyy-MM-dd"))
-                                            : dt.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+            return dt.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     }
     return std::nullopt;
 }
