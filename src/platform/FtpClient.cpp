@@ -266,11 +266,8 @@ FtpClient::FtpClient(QObject* parent) : QObject(parent)
     m_curl = std::make_unique<CurlHandle>();
 }
 
-FtpClient::~FtpClient()
-{
-    // A session still open is closed here; its QUIT waits at most one time-out.
-    cancel();
-}
+// A session still open is closed by the handle's destructor; its QUIT waits at most one time-out.
+FtpClient::~FtpClient() = default;
 
 void FtpClient::setTimeoutSeconds(int seconds)
 {
@@ -353,9 +350,13 @@ FtpClient::Result FtpClient::perform(Task& request)
                     curl_easy_setopt(h, CURLOPT_POSTQUOTE, after.list);
                 request.result = curl_easy_perform(h);
                 curl_easy_getinfo(h, CURLINFO_RESPONSE_CODE, &request.reply);
-                // Nothing may point into this stack frame once it is gone.
+                // Nothing may point into this stack frame once it is gone: closing the session
+                // later (QUIT) runs on the same handle.
                 curl_easy_setopt(h, CURLOPT_ERRORBUFFER, nullptr);
                 curl_easy_setopt(h, CURLOPT_POSTQUOTE, nullptr);
+                curl_easy_setopt(h, CURLOPT_NOPROGRESS, 1L);
+                curl_easy_setopt(h, CURLOPT_XFERINFODATA, nullptr);
+                curl_easy_setopt(h, CURLOPT_READDATA, nullptr);
             }
             finished = true;
             QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
@@ -455,8 +456,11 @@ FtpClient::Result FtpClient::deleteFile(const QString& remoteName)
 {
     if (!m_connected)
         return {22019, QStringLiteral("not connected")};
-    if (remoteName.isEmpty())
-        return {22051, QStringLiteral("empty remote name")};
+    // The name becomes part of a command line: a line break in it would start another command.
+    const bool controlCharacter =
+        std::any_of(remoteName.begin(), remoteName.end(), [](QChar c) { return c < u' '; });
+    if (remoteName.isEmpty() || controlCharacter)
+        return {22051, QStringLiteral("unusable remote name")};
     Task request;
     request.phase = Phase::Delete;
     request.url = urlFor(m_directory, {});
