@@ -98,10 +98,8 @@ void frmFTP::start()
 
     if (m_errors.errorCode == 0) {
         addLine(FtpTexts::kConnected);
-        const bool run =
-            input.action == FtpTexts::kUploadImages || input.action == FtpTexts::kRemoveImages;
         // Where the directory cannot be entered the files go to the login directory.
-        if (run && !plan.directory.isEmpty())
+        if (!plan.directory.isEmpty())
             m_client->changeDirectory(plan.directory);
         for (const FtpStep& step : plan.steps) {
             addLine(step.statusLine);

@@ -34,8 +34,8 @@ public:
 
     Result connectToHost(const QString& host, int port, const QString& user,
                          const QString& password);
-    // "./dir" and "dir" are taken from the login directory, "/dir" from the server's root.
-    // A failed change leaves the session where it was.
+    // "./dir" and "dir" go from the current directory (at first the login directory), "/dir"
+    // from the server's root; "\" counts as "/". A failed change leaves the session where it was.
     Result changeDirectory(const QString& directory);
     // Stores the local file under remoteName in the current directory, replacing a file there.
     Result putFile(const QString& localPath, const QString& remoteName);
