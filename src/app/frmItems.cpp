@@ -5,6 +5,9 @@
 #include "app/frmFind.h"
 #include "app/texts.h"
 #include "db/ItemSql.h"
+#include "listing/ListingGenerator.h"
+#include "listing/frmAdStudio.h"
+#include "settings/frmOptions.h"
 #include "platform/DateText.h"
 #include "platform/KeyFilter.h"
 #include "platform/Prompts.h"
@@ -113,11 +116,10 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
         mnuLinks[i] = findChild<QAction*>(QStringLiteral("mnuLinks_%1").arg(i));
 
     // Commands whose work is not part of this build stay present but disabled.
-    for (QAction* a : {ui->mnuOptions, ui->mnuUpload, ui->mnuListing, ui->mnuStart,
+    for (QAction* a : {ui->mnuUpload, ui->mnuStart,
                        ui->mnuEbayList, ui->mnuAllOpenRep, ui->mnuEnding, ui->mnuCleanup,
                        ui->mnuActionsReports, ui->mnuToolsCalculator, ui->mnu_Calendar})
         m_available.insert(a, false);
-    ui->cmdAdStudio->setEnabled(false);
 
     buildToolbar();
     bindFields();
@@ -274,6 +276,9 @@ void frmItems::connectCommands()
     on(ui->mnuTBHome, &frmItems::mnuTBHome_Click);
     on(ui->mnuPulsewatch, &frmItems::mnuPulsewatch_Click);
     on(ui->mnuAbout, &frmItems::mnuAbout_Click);
+    on(ui->mnuListing, &frmItems::mnuListing_Click);
+    on(ui->mnuOptions, &frmItems::mnuOptions_Click);
+    connect(ui->cmdAdStudio, &QPushButton::clicked, this, &frmItems::cmdAdStudio_Click);
     // The clipboard work is done by whichever box has the focus.
     const auto sendToFocus = [](const char* method) {
         if (QWidget* w = QApplication::focusWidget())
@@ -784,6 +789,65 @@ void frmItems::mnuFindAgain_Click()
     runFind(findDialog().searchFromFirst(), criteria);
     ui->txtCurItem->setText(QString::number(Data1->absolutePosition() + 1));
     UpdateNavigation();
+}
+
+// ---------------------------------------------------------------- listing
+
+frmAdStudio& frmItems::adStudio()
+{
+    if (!m_adStudio) {
+        m_adStudio = new frmAdStudio(m_ctx, this);
+        m_adStudio->setWindowFlag(Qt::Window);
+        connect(m_adStudio, &frmAdStudio::previewRequested, this, &frmItems::mnuListing_Click);
+    }
+    return *m_adStudio;
+}
+
+void frmItems::cmdAdStudio_Click()
+{
+    frmAdStudio& studio = adStudio();
+    studio.show();
+    studio.raise();
+    studio.activateWindow();
+}
+
+void frmItems::mnuListing_Click()
+{
+    ui->mnuListing->setChecked(true);
+    for (QAction* other : {ui->mnuStart, ui->mnuEbayList, ui->mnuAllOpenRep})
+        other->setChecked(false);
+
+    ListingRequest request;
+    adStudio().fillListingRequest(request);
+    request.shortDescription = fieldText(3);
+    request.description = fieldText(4);
+    request.picture1Path = fieldText(5);
+    request.picture2Path = fieldText(6);
+    request.picture3Path = fieldText(7);
+    request.reserve = fieldText(8);
+    request.placement = ui->comboImgPlace->currentText();
+    request.imageLoc = m_ctx.state.options.imageLoc;
+    request.ebaySellerReport = m_ctx.state.options.ebaySellerReport;
+    request.userEmail = m_ctx.state.options.userEmail;
+    request.remote = m_remote;
+    request.escape = false;
+    request.appPath = m_ctx.state.appPath;
+
+    const ListingResult result = generateListing(request);
+    for (const ThemeSetMessage& m : result.messages)
+        m_ctx.prompts.message(m.text, m.title, m.icon);
+    if (result.focus == ListingFocus::ShortDescription)
+        txtFields[3]->setFocus();
+    else if (result.focus == ListingFocus::Description)
+        txtFields[4]->setFocus();
+    if (result.ok())
+        OpenDocument(m_ctx.shell, listingFilePath(m_ctx.state.appPath), m_ctx.state.appPath);
+}
+
+void frmItems::mnuOptions_Click()
+{
+    frmOptions dialog(m_ctx, this);
+    dialog.exec();
 }
 
 // ---------------------------------------------------------------- bars, links, help

@@ -18,6 +18,7 @@ class QPushButton;
 class QTimer;
 struct AppContext;
 class frmFind;
+class frmAdStudio;
 
 // The main window: browses and edits one item at a time through Data1, switches between the
 // All, Active and Inactive views, and dispatches every menu and toolbar command.
@@ -60,6 +61,9 @@ public:
     void mnuTBHome_Click();
     void mnuPulsewatch_Click();
     void mnuAbout_Click();
+    void mnuListing_Click();
+    void mnuOptions_Click();
+    void cmdAdStudio_Click();
     void cmdFind_Click(int index);
     void UpdateNavigation();
     // Shows picture 1, 2 or 3 (field index 5, 6, 7); returns true when it is too large.
@@ -67,6 +71,8 @@ public:
     void rebuildLinksMenu();
 
     frmFind& findDialog();
+    // The theme editor: created on first use, then only hidden.
+    frmAdStudio& adStudio();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -105,6 +111,7 @@ private:
     QLabel* m_timePanel = nullptr;
     QTimer* DateTimeTimer = nullptr;
     frmFind* m_find = nullptr;
+    frmAdStudio* m_adStudio = nullptr;
     View m_view = View::None;
     bool m_remote = false;
     bool m_unloading = false;

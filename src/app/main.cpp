@@ -2,12 +2,15 @@
 // the real dialogs, desktop shell, settings folder and time zone.
 #include "app/Launcher.h"
 #include "app/Startup.h"
+#include "listing/BatchListing.h"
 #include "platform/QtPrompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
 #include "platform/TimeZone.h"
 
 #include <QApplication>
+#include <QTextStream>
+#include <algorithm>
 #include <QIcon>
 #include <QScreen>
 #include <cstdio>
@@ -45,9 +48,25 @@ int main(int argc, char* argv[])
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
+    const bool batchListing =
+        std::any_of(arguments.cbegin(), arguments.cend(), [](const QString& a) {
+            return a == QLatin1String("--listing") || a.startsWith(QLatin1String("--listing="));
+        });
     if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
         std::fputs(kUsage, stdout);
+        std::fputs("\n", stdout);
+        std::fputs(batchListingHelp().toLocal8Bit().constData(), stdout);
         return 0;
+    }
+    if (batchListing) {
+        // One advertisement, written and printed without any window or display.
+        QCoreApplication app(argc, argv);
+        QTextStream out(stdout);
+        QTextStream err(stderr);
+        const int code = runBatchListing(QCoreApplication::arguments(), out, err);
+        out.flush();
+        err.flush();
+        return code;
     }
     if (!displayAvailable()) {
         std::fputs(kNoDisplay, stderr);
