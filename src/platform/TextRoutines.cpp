@@ -70,7 +70,8 @@ QString HtmlEscape(const QString& text)
 
 QString ColorToHtml(qint64 color)
 {
-    QString hex = QString::number(color, 16).toUpper();
+    // A colour is a 32-bit long: negative (system) colours give eight digits, never a sign.
+    QString hex = QString::number(quint32(color), 16).toUpper();
     switch (hex.size()) {
     case 1: hex.prepend(QLatin1String("000000")); break;
     case 2: hex.prepend(QLatin1String("0000")); break;

@@ -57,6 +57,8 @@ void TestTextRoutines::routines_data()
     row("color: four digits", "color", "4660", {}, {}, "341200");
     row("color: five digits", "color", "74565", {}, {}, "452301");
     row("color: white", "color", "16777215", {}, {}, "FFFFFF");
+    row("color: minus one", "color", "-1", {}, {}, "FFFFFF");
+    row("color: system", "color", "-2147483643", {}, {}, "000080");
     row("filter: pictures", "filter", "Images (*.gif; *.jpg)|*.gif; *.jpg;|All Files (*.*)|*.*", {},
         {}, "Images (*.gif; *.jpg) (*.gif *.jpg);;All Files (*.*) (*)");
     row("filter: dangling", "filter", "Text|*.txt|Odd", {}, {}, "Text (*.txt)");
