@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QStringDecoder>
 #include <QThread>
 
 QString FileNameOfPath(const QString& path)
@@ -91,7 +92,13 @@ QString ReadTextFile(const QString& path)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     // Lines end at CR LF or a lone CR; a line with LF characters inside is split at each one.
-    const QString all = QString::fromLocal8Bit(file.readAll());
+    const QByteArray bytes = file.readAll();
+    // UTF-8 when the bytes are valid UTF-8; otherwise the file comes from an older 8-bit
+    // editor and each byte is one Latin-1 character, so no character turns into a '?'.
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString all = utf8.decode(bytes);
+    if (utf8.hasError())
+        all = QString::fromLatin1(bytes);
     QString result;
     result.reserve(all.size() + all.size() / 16);
     qsizetype start = 0;

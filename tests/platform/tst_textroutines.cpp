@@ -99,6 +99,7 @@ void TestTextRoutines::readTextFile_data()
     QTest::newRow("blank lines kept") << QByteArray("a\r\n\r\n\nb") << "a\r\n\r\n\r\nb\r\n";
     QTest::newRow("empty file") << QByteArray("") << "";
     QTest::newRow("utf-8") << QByteArray("caf\xc3\xa9\n") << QStringLiteral("café\r\n");
+    QTest::newRow("8-bit") << QByteArray("caf\xe9 \xa3\n") << QStringLiteral("café £\r\n");
     QTest::newRow("missing file") << QByteArray() << "";
 }
 
