@@ -1,6 +1,7 @@
 -- The item database. Statements are separated by lines holding only ";;".
 -- Money columns hold exact amounts in ten-thousandths (INTEGER); dates hold ISO text
--- "yyyy-mm-dd hh:mm:ss". A value the program could not read as money or date is kept as typed.
+-- "yyyy-mm-dd hh:mm:ss" in TEXT columns, so a date typed in a form the program cannot read
+-- is kept exactly as typed. A money text the program cannot read is kept as typed too.
 CREATE TABLE Items (
     ID                  INTEGER PRIMARY KEY AUTOINCREMENT,
     EbayID              TEXT,
@@ -14,10 +15,10 @@ CREATE TABLE Items (
     MinBid              INTEGER,
     Cost                INTEGER,
     SalePrice           INTEGER,
-    DateAuctionStarted  DATETIME,
-    DateAuctionEnds     DATETIME,
-    DateBuyerContacted  DATE,
-    DateBuyerResponded  DATE,
+    DateAuctionStarted  TEXT,
+    DateAuctionEnds     TEXT,
+    DateBuyerContacted  TEXT,
+    DateBuyerResponded  TEXT,
     BuyerEmail          TEXT,
     BuyerName           TEXT,
     BuyerStreet1        TEXT,
@@ -27,14 +28,14 @@ CREATE TABLE Items (
     BuyerState          TEXT,
     BuyerZip            TEXT,
     BuyerPhone          TEXT,
-    DatePaymentRecd     DATE,
-    DatePaymentClrd     DATE,
-    DateItemShipped     DATE,
+    DatePaymentRecd     TEXT,
+    DatePaymentClrd     TEXT,
+    DateItemShipped     TEXT,
     ShippingCost        INTEGER,
     InsuranceCost       INTEGER,
     Active              BOOLEAN NOT NULL DEFAULT 1,
     LastPrice           INTEGER,
-    LastChecked         DATETIME,
+    LastChecked         TEXT,
     FeedbackComplete    BOOLEAN NOT NULL DEFAULT 0,
     TrackingNumber      TEXT,
     TransNotes          TEXT

@@ -7,6 +7,7 @@
 #include "db/ItemSql.h"
 #include "listing/ListingGenerator.h"
 #include "listing/frmAdStudio.h"
+#include "ftp/UploadCommandUi.h"
 #include "settings/frmOptions.h"
 #include "platform/DateText.h"
 #include "platform/KeyFilter.h"
@@ -116,7 +117,7 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
         mnuLinks[i] = findChild<QAction*>(QStringLiteral("mnuLinks_%1").arg(i));
 
     // Commands whose work is not part of this build stay present but disabled.
-    for (QAction* a : {ui->mnuUpload, ui->mnuStart,
+    for (QAction* a : {ui->mnuStart,
                        ui->mnuEbayList, ui->mnuAllOpenRep, ui->mnuEnding, ui->mnuCleanup,
                        ui->mnuActionsReports, ui->mnuToolsCalculator, ui->mnu_Calendar})
         m_available.insert(a, false);
@@ -278,6 +279,7 @@ void frmItems::connectCommands()
     on(ui->mnuAbout, &frmItems::mnuAbout_Click);
     on(ui->mnuListing, &frmItems::mnuListing_Click);
     on(ui->mnuOptions, &frmItems::mnuOptions_Click);
+    on(ui->mnuUpload, &frmItems::mnuUpload_Click);
     connect(ui->cmdAdStudio, &QPushButton::clicked, this, &frmItems::cmdAdStudio_Click);
     // The clipboard work is done by whichever box has the focus.
     const auto sendToFocus = [](const char* method) {
@@ -799,6 +801,11 @@ frmAdStudio& frmItems::adStudio()
         m_adStudio = new frmAdStudio(m_ctx, this);
         m_adStudio->setWindowFlag(Qt::Window);
         connect(m_adStudio, &frmAdStudio::previewRequested, this, &frmItems::mnuListing_Click);
+        connect(m_adStudio, &frmAdStudio::uploadMediaRequested, this, [this] {
+            runUploadCommand(m_ctx, UploadSource::AdStudioMedia, m_adStudio->mediaPaths(),
+                             m_adStudio, [this] { mnuOptions_Click(); });
+        });
+        m_adStudio->setUploadMediaEnabled(true);
     }
     return *m_adStudio;
 }
@@ -848,6 +855,13 @@ void frmItems::mnuOptions_Click()
 {
     frmOptions dialog(m_ctx, this);
     dialog.exec();
+}
+
+void frmItems::mnuUpload_Click()
+{
+    // The pictures are taken as the boxes show them; the record is written when it is left.
+    runUploadCommand(m_ctx, UploadSource::ItemPictures, {fieldText(5), fieldText(6), fieldText(7)},
+                     this, [this] { mnuOptions_Click(); });
 }
 
 // ---------------------------------------------------------------- bars, links, help

@@ -63,6 +63,7 @@ public:
     void mnuAbout_Click();
     void mnuListing_Click();
     void mnuOptions_Click();
+    void mnuUpload_Click();
     void cmdAdStudio_Click();
     void cmdFind_Click(int index);
     void UpdateNavigation();

@@ -32,6 +32,7 @@ private slots:
     void deleteCancelled();
     void duplicateAuction();
     void typedValuesSurviveRestart();
+    void uploadNeedsAPicture();
 
 private:
     static void leave(ItemWindow& w, QWidget* from, QWidget* to)
@@ -337,6 +338,21 @@ void TestItemEditing::typedValuesSurviveRestart()
     QCOMPARE(again.field(8)->text(), QStringLiteral("45.25"));
     QCOMPARE(again.field(1)->text(), QStringLiteral("3141592"));
     QVERIFY(!again.child<QCheckBox>(QStringLiteral("chkActive"))->isChecked());
+}
+
+void TestItemEditing::uploadNeedsAPicture()
+{
+    TestEnvironment env;
+    env.addItems({{{QStringLiteral("Picture2Path"), QStringLiteral("   ")}},
+                  {{QStringLiteral("Picture3Path"), QStringLiteral("/no/such/lamp.gif")}}});
+    ItemWindow w(env);
+    QVERIFY(!w->toolButton(QStringLiteral("Upload"))->isEnabled()); // blanks count as empty
+    w->mnuNext_Click();
+    QVERIFY(w.menu(QStringLiteral("mnuUpload"))->isEnabled());
+    w.menu(QStringLiteral("mnuUpload"))->trigger();
+    QCOMPARE(env.prompts().shown().size(), 1);
+    QCOMPARE(env.prompts().shown().first().text,
+             QStringLiteral("Can't find graphic file: /no/such/lamp.gif. Upload not performed."));
 }
 
 QTEST_MAIN(TestItemEditing)
