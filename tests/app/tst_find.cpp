@@ -22,7 +22,6 @@ private slots:
     void findSwitchesToAllView();
     void findAgainRepeats_data();
     void findAgainRepeats();
-    void noMatchStaysPut();
     void strayQuoteIsReportedNotFatal();
     void missingInputKeepsDialogOpen();
     void cancelKeepsRequest();
@@ -178,17 +177,6 @@ void TestFind::findAgainRepeats()
     w->mnuFindAgain_Click(); // no further match: stays
     visits << w.current();
     QTEST(visits.join(u' '), "visits");
-}
-
-void TestFind::noMatchStaysPut()
-{
-    TestEnvironment env;
-    env.addItems(catalogue());
-    ItemWindow w(env);
-    w->mnuLast_Click();
-    textSearch(w, QStringLiteral("txtBuyerName"), QStringLiteral("Nobody"), true);
-    QCOMPARE(w.current(), QStringLiteral("5"));
-    QCOMPARE(env.prompts().shown().size(), 0);
 }
 
 void TestFind::strayQuoteIsReportedNotFatal()

@@ -98,7 +98,6 @@ void TestListingCommand::listingCommandEnabling_data()
     QTest::addColumn<QString>("title");
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("enabled");
-    QTest::newRow("both") << "Vase" << "Blue" << true;
     QTest::newRow("only a description") << "" << "Blue" << true;
     QTest::newRow("only a title") << "Vase" << "" << true;
     QTest::newRow("neither") << "" << "" << false;

@@ -12,8 +12,6 @@ class TestStartup : public QObject
 private slots:
     void appPath_data();
     void appPath();
-    void screenRule_data();
-    void screenRule();
     void openFailureMessages_data();
     void openFailureMessages();
     void textSearch_data();
@@ -39,26 +37,6 @@ void TestStartup::appPath()
     QFETCH(QString, exeDir);
     QFETCH(QString, expected);
     QCOMPARE(Startup::appPath(arguments, exeDir), expected);
-}
-
-void TestStartup::screenRule_data()
-{
-    QTest::addColumn<QSize>("screen");
-    QTest::addColumn<bool>("hide");
-    QTest::addColumn<int>("width");
-    QTest::newRow("640x480") << QSize(640, 480) << true << 640 * 15 - 150;
-    QTest::newRow("799 wide") << QSize(799, 900) << true << 799 * 15 - 150;
-    QTest::newRow("599 high") << QSize(1024, 599) << true << 1024 * 15 - 150;
-    QTest::newRow("800x600 exactly") << QSize(800, 600) << false << 11800;
-    QTest::newRow("large") << QSize(1920, 1080) << false << 11800;
-}
-
-void TestStartup::screenRule()
-{
-    QFETCH(QSize, screen);
-    const Startup::ScreenRule rule = Startup::screenRule(screen);
-    QTEST(rule.hideViewButtons, "hide");
-    QTEST(rule.defaultWidthTwips, "width");
 }
 
 void TestStartup::openFailureMessages_data()
