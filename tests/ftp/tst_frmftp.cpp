@@ -1,50 +1,64 @@
-#include "FtpTestServer.h"
-
+#include "../support/LayoutCheck.h"
+#include "../support/TestEnvironment.h"
 #include "ftp/UploadCommandUi.h"
 #include "ftp/frmFTP.h"
 #include "platform/FtpClient.h"
 #include "platform/FtpErrors.h"
-#include "support/LayoutCheck.h"
 
+#include <QDir>
 #include <QFrame>
-#include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 
-#include <functional>
-
 namespace {
+// clang-format off
+struct Upload { bool relative; QString host, landsIn, kind, message; }; // message "": it runs
+struct Failure { QString host, port, password, mode; int code; }; // port "": the server's
+// clang-format on
 const QString kHost = QStringLiteral("127.0.0.1");
 const QString kLoggingOff = QStringLiteral("Logging off.  Bye!");
 
-QString transferLine(const QString& path, const QString& kind, const QString& dir,
-                     const QString& name)
+// A server over a fresh folder ("seller" lands in /www, where pics/ waits; /pics sits at the
+// top for absolute paths) and an application set up to upload there. mode: "" (ordinary),
+// "hang", or upload bytes a second.
+struct Rig
 {
-    return QStringLiteral("Transferring Image file ") + path + " to FTP Host: " + kHost + " into " +
-           kind + " path " + dir + name;
-}
+    explicit Rig(const QString& mode = {})
+        : server(QStringLiteral("ftp_server.py"), {root.path(), mode})
+    {
+        QDir(root.path()).mkpath(QStringLiteral("www/pics"));
+        QDir(root.path()).mkpath(QStringLiteral("pics"));
+        OptionsRecord& o = ctx.state.options;
+        o.remoteHost = kHost;
+        o.remotePort = QString::number(server.port());
+        o.ftpUserid = QStringLiteral("seller");
+        o.ftpPassword = QStringLiteral("secret");
+        o.imageLoc = QStringLiteral("http://www.example.net/pics/");
+        o.auctionDir = QStringLiteral("pics");
+        ctx.state.ftpAction = QStringLiteral("UploadImages");
+    }
+    QString local(const QString& remote) const { return root.path() + remote; }
+    QByteArray content(const QString& remote) const
+    {
+        QFile f(local(remote));
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+    }
+    QTemporaryDir root;
+    PythonServer server;
+    TestEnvironment env;
+    AppContext& ctx = env.context();
+};
 
-void setConnection(AppContext& ctx, int port, const QString& password = "secret")
+// Every byte value, so a text-mode transfer or a lost byte shows up.
+QByteArray sample(int size)
 {
-    OptionsRecord& o = ctx.state.options;
-    o.remoteHost = kHost;
-    o.remotePort = QString::number(port);
-    o.ftpUserid = QStringLiteral("seller");
-    o.ftpPassword = password;
-    o.imageLoc = QStringLiteral("http://www.example.net/pics/");
-    o.auctionDir = QStringLiteral("pics");
-    o.uploadRelative = true;
-}
-
-QStringList boxTexts(const ScriptedPrompts& prompts)
-{
-    QStringList texts;
-    for (const ScriptedPrompts::Shown& s : prompts.shown())
-        texts << s.text;
-    return texts;
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (int i = 0; i < size; ++i)
+        bytes[i] = char((i * 7 + size) & 0xff);
+    return bytes;
 }
 
 // Opens the window as a caller does and waits until its session has logged off.
@@ -54,366 +68,168 @@ bool runSession(frmFTP& window)
     window.show();
     return done.wait(120000);
 }
+
 } // namespace
 
 class TestFrmFtp : public QObject
 {
     Q_OBJECT
 private slots:
-    void uploadRun_data();
-    void uploadRun();
-    void removeRunIsSilent();
-    void connectFailures_data();
-    void connectFailures();
-    void uploadGoesOnAfterFailure_data();
-    void uploadGoesOnAfterFailure();
-    void abortDuringTransfer();
-    void uploadCommand_data();
-    void uploadCommand();
-};
-
-void TestFrmFtp::uploadRun_data()
-{
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<QString>("auctionDir");
-    QTest::addColumn<bool>("relative");
-    QTest::addColumn<QString>("landsIn");
-    QTest::addColumn<QString>("kind");
-
-    const QString up = QStringLiteral("UploadImages");
-    QTest::newRow("relative") << up << "pics" << true << "/www/pics"
-                              << "Relative";
-    QTest::newRow("absolute") << up << "pics" << false << "/pics"
-                              << "Absolute";
-    QTest::newRow("nested relative") << up << "a/b c" << true << "/www/a/b c"
-                                     << "Relative";
-    QTest::newRow("default .\\") << up << ".\\" << true << "/www"
-                                 << "Relative";
-    QTest::newRow("no directory") << up << "" << true << "/www"
-                                  << "";
-    QTest::newRow("directory missing: login folder") << up << "gone" << true << "/www"
-                                                     << "Relative";
-    QTest::newRow("connect only") << "Test"
-                                  << "pics" << true << ""
-                                  << "";
-}
-
-void TestFrmFtp::uploadRun()
-{
-    QFETCH(QString, action);
-    QFETCH(QString, auctionDir);
-    QFETCH(bool, relative);
-    QFETCH(QString, landsIn);
-    QFETCH(QString, kind);
-
-    FtpTestServer server;
-    for (const char* dir : {"/www/pics", "/pics", "/www/a/b c"})
-        server.makeDir(QString::fromUtf8(dir));
-    TestEnvironment env;
-    AppContext& ctx = env.context();
-    setConnection(ctx, server.port());
-    ctx.state.options.auctionDir = auctionDir;
-    ctx.state.options.uploadRelative = relative;
-    ctx.state.ftpAction = action;
-    // Slots 1, 3 and 5; slot 0 is never used; a blank after a path is not part of the name.
-    ctx.state.uploadFiles[0] = env.writeFile(QStringLiteral("zero.jpg"), "slot 0");
-    const QList<QPair<QString, QByteArray>> pictures = {
-        {QStringLiteral("front.jpg"), binarySample(400000, 7)},
-        {QStringLiteral("side.jpg"), binarySample(5000, 8)},
-        {QStringLiteral("back.jpg"), binarySample(1, 9)},
-    };
-    QStringList expected{QStringLiteral("Connecting to ") + kHost, QStringLiteral("Connected.")};
-    for (int i = 0; i < pictures.size(); ++i) {
-        QString& slot = ctx.state.uploadFiles[2 * i + 1];
-        slot = env.writeFile(pictures[i].first, pictures[i].second) + (i == 1 ? " " : "");
-        if (action == u"UploadImages")
-            expected << transferLine(slot, kind, auctionDir, pictures[i].first);
+    // The upload command: a missing setting stops it and opens the Options dialog; otherwise a
+    // modeless FTP window over the item window puts the pictures, byte for byte, into the
+    // auction directory under the login folder or from the top, and goes away when closed.
+    void uploadCommand_data()
+    {
+        QTest::addColumn<Upload>("row");
+        // clang-format off
+        QTest::newRow("relative")     << Upload{true,  kHost, "/www/pics/", "Relative", ""};
+        QTest::newRow("absolute")     << Upload{false, kHost, "/pics/",     "Absolute", ""};
+        QTest::newRow("host missing") << Upload{true,  " ",   "/www/pics/", "",
+            "A Remote Host must be specified on the options screen before uploading images."};
+        // clang-format on
     }
-    expected << kLoggingOff;
+    void uploadCommand()
+    {
+        QFETCH(Upload, row);
+        Rig rig;
+        AppContext& ctx = rig.ctx;
+        ctx.state.options.uploadRelative = row.relative;
+        ctx.state.options.remoteHost = row.host;
+        ctx.state.ftpAction = QStringLiteral("RemoveImages"); // left over from a clean-up
+        const int sizes[] = {400000, 5000, 1};
+        QStringList paths, expected{"Connecting to 127.0.0.1", "Connected."};
+        for (int i = 0; i < 3; ++i) { // a blank after a path is not part of the file's name
+            const QString name = QStringLiteral("p%1.jpg").arg(i);
+            paths << rig.env.writeFile(name, sample(sizes[i])) + (i == 1 ? " " : "");
+            expected << "Transferring Image file " + paths.last() +
+                            " to FTP Host: 127.0.0.1 into " + row.kind + " path pics" + name;
+        }
+        expected << kLoggingOff;
 
-    frmFTP window(ctx);
-    QCOMPARE(window.windowTitle(), QStringLiteral("FTP"));
-    // What the meter shows at the first report of each file, seen as the window drew it.
-    QStringList meterSeen;
-    connect(&window.client(), &FtpClient::progress, this, [&](int percent) {
-        auto* gauge = window.findChild<QFrame*>(QStringLiteral("Gauge"));
-        auto* meter = window.findChild<QFrame*>(QStringLiteral("Meter"));
-        auto* pct = window.findChild<QLabel*>(QStringLiteral("Pct"));
-        auto* abort = window.findChild<QPushButton*>(QStringLiteral("CancelBtn"));
-        auto* close = window.findChild<QPushButton*>(QStringLiteral("cmdClose"));
-        if (percent < 100 && gauge->isVisible() && abort->isVisible() && abort->isEnabled() &&
-            !close->isEnabled() && pct->text() == QString::number(percent) + u'%' &&
-            meter->width() == percent * gauge->contentsRect().width() / 100)
-            meterSeen << QStringLiteral("ok");
-        if (percent == 100 && !gauge->isVisible() && !abort->isVisible())
-            meterSeen << QStringLiteral("done");
-    });
-    QVERIFY(runSession(window));
-
-    QCOMPARE(window.statusLines(), expected);
-    QVERIFY(env.prompts().shown().isEmpty());
-    QCOMPARE(window.errorState().errorCode, 0);
-    QVERIFY(window.findChild<QPushButton*>(QStringLiteral("cmdClose"))->isEnabled());
-    QVERIFY(!window.findChild<QFrame*>(QStringLiteral("Gauge"))->isVisible());
-    QVERIFY(!window.findChild<QPushButton*>(QStringLiteral("CancelBtn"))->isVisible());
-    QCOMPARE(server.count(QStringLiteral("USER")), 1);
-    QCOMPARE(server.count(QStringLiteral("QUIT")), 1);
-    if (action == u"UploadImages") {
-        for (const auto& [name, bytes] : pictures)
-            QCOMPARE(server.content(landsIn + u'/' + name), bytes);
-        QVERIFY(!server.exists(landsIn + QStringLiteral("/zero.jpg")));
-        QVERIFY(meterSeen.contains(QStringLiteral("ok")));
-        QCOMPARE(meterSeen.count(QStringLiteral("done")), 3);
-    } else {
-        QCOMPARE(server.count(QStringLiteral("STOR")), 0);
-        QCOMPARE(server.count(QStringLiteral("CWD")), 0);
-    }
-    QCOMPARE(layoutProblems(&window), QStringList());
-    window.grab().save(QStringLiteral("/tmp/tst_frmftp_done.png"));
-
-    QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdClose")), Qt::LeftButton);
-    QVERIFY(!window.isVisible());
-}
-
-void TestFrmFtp::removeRunIsSilent()
-{
-    FtpTestServer server;
-    server.makeDir(QStringLiteral("/www/pics"));
-    for (const char* name : {"/www/pics/a.jpg", "/www/pics/b c.jpg", "/www/a.jpg"}) {
-        QFile f(server.local(QString::fromUtf8(name)));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-    }
-    TestEnvironment env;
-    AppContext& ctx = env.context();
-    setConnection(ctx, server.port());
-    ctx.state.ftpAction = QStringLiteral("RemoveImages");
-    // Removal works from the slot names alone: the local files are long gone.
-    ctx.state.uploadFiles[1] = QStringLiteral("C:\\Auction\\a.jpg");
-    ctx.state.uploadFiles[2] = QStringLiteral("/home/s/never there.jpg");
-    ctx.state.uploadFiles[3] = QStringLiteral("/home/s/b c.jpg ");
-
-    frmFTP window(ctx);
-    QVERIFY(runSession(window));
-
-    QCOMPARE(
-        window.statusLines(),
-        QStringList({"Connecting to 127.0.0.1", "Connected.",
-                     "Deleting Image file picsa.jpg from FTP Host 127.0.0.1",
-                     "Deleting Image file picsnever there.jpg from FTP Host 127.0.0.1",
-                     "Deleting Image file picsb c.jpg  from FTP Host 127.0.0.1", kLoggingOff}));
-    QVERIFY(!server.exists(QStringLiteral("/www/pics/a.jpg")));
-    QVERIFY(!server.exists(QStringLiteral("/www/pics/b c.jpg")));
-    QVERIFY(server.exists(QStringLiteral("/www/a.jpg")));
-    QVERIFY(env.prompts().shown().isEmpty());
-    QCOMPARE(window.errorState().errorCode, 22041); // the missing file, recorded not shown
-    QVERIFY(window.findChild<QPushButton*>(QStringLiteral("cmdClose"))->isEnabled());
-}
-
-void TestFrmFtp::connectFailures_data()
-{
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<QString>("host");
-    QTest::addColumn<int>("port"); // 0 = the server's, -1 = a closed port, -2 = not a number
-    QTest::addColumn<QString>("password");
-    QTest::addColumn<int>("code");
-
-    const QString up = QStringLiteral("UploadImages");
-    QTest::newRow("server never answers") << up << kHost << 0 << "secret" << 22020;
-    QTest::newRow("wrong password") << up << kHost << 0 << "guess" << 22039;
-    QTest::newRow("refused port") << up << kHost << -1 << "secret" << 22008;
-    QTest::newRow("unknown host") << up << "ftp.seller.invalid" << 0 << "secret" << 22005;
-    QTest::newRow("port not a number") << up << kHost << -2 << "secret" << 22014;
-    QTest::newRow("removing stays silent") << "RemoveImages" << kHost << 0 << "guess" << 22039;
-}
-
-void TestFrmFtp::connectFailures()
-{
-    QFETCH(QString, action);
-    QFETCH(QString, host);
-    QFETCH(int, port);
-    QFETCH(QString, password);
-    QFETCH(int, code);
-
-    FtpTestServer server(code == 22020 ? QStringLiteral("hang") : QStringLiteral("normal"));
-    TestEnvironment env;
-    AppContext& ctx = env.context();
-    setConnection(ctx, port == 0 ? server.port() : unusedPort(), password);
-    if (port == -2)
-        ctx.state.options.remotePort = QStringLiteral("ftp");
-    ctx.state.options.remoteHost = host;
-    ctx.state.ftpAction = action;
-    ctx.state.uploadFiles[1] = env.writeFile(QStringLiteral("a.jpg"), "picture");
-
-    frmFTP window(ctx);
-    window.client().setTimeoutSeconds(2);
-    QVERIFY(runSession(window));
-
-    // No "Connected.", no run, no logging off; Close is enabled all the same.
-    QCOMPARE(window.statusLines(), QStringList{QStringLiteral("Connecting to ") + host});
-    QCOMPARE(window.errorState().errorCode, code);
-    QVERIFY(window.findChild<QPushButton*>(QStringLiteral("cmdClose"))->isEnabled());
-    if (action == u"RemoveImages") {
-        QVERIFY(env.prompts().shown().isEmpty());
-    } else {
-        QCOMPARE(env.prompts().shown().size(), 1);
-        const ScriptedPrompts::Shown& box = env.prompts().shown().first();
-        QCOMPARE(box.text, ftpErrorMessage(code));
-        QCOMPARE(box.title, QStringLiteral("Connection failed"));
-        QCOMPARE(box.icon, PromptIcon::Exclamation);
-    }
-    QCOMPARE(server.count(QStringLiteral("STOR")), 0);
-}
-
-void TestFrmFtp::uploadGoesOnAfterFailure_data()
-{
-    QTest::addColumn<QString>("mode");
-    QTest::addColumn<QList<int>>("boxes");
-    QTest::addColumn<bool>("secondUploaded");
-
-    QTest::newRow("local file gone") << "normal" << QList<int>{22036} << true;
-    QTest::newRow("web space full") << "full" << QList<int>{22036, 22042} << false;
-    QTest::newRow("no permission") << "readonly" << QList<int>{22036, 22049} << false;
-}
-
-void TestFrmFtp::uploadGoesOnAfterFailure()
-{
-    QFETCH(QString, mode);
-    QFETCH(QList<int>, boxes);
-    QFETCH(bool, secondUploaded);
-
-    FtpTestServer server(mode);
-    server.makeDir(QStringLiteral("/www/pics"));
-    TestEnvironment env;
-    AppContext& ctx = env.context();
-    setConnection(ctx, server.port());
-    ctx.state.ftpAction = QStringLiteral("UploadImages");
-    ctx.state.uploadFiles[1] = env.path(QStringLiteral("deleted meanwhile.jpg"));
-    ctx.state.uploadFiles[4] = env.writeFile(QStringLiteral("d.jpg"), "fourth picture");
-
-    frmFTP window(ctx);
-    QVERIFY(runSession(window));
-
-    QStringList expected;
-    for (int code : boxes)
-        expected << ftpErrorMessage(code);
-    QCOMPARE(boxTexts(env.prompts()), expected);
-    QCOMPARE(window.errorState().errorCode, boxes.last());
-    QCOMPARE(window.statusLines().size(), 5);
-    QCOMPARE(window.statusLines().last(), kLoggingOff);
-    QCOMPARE(server.exists(QStringLiteral("/www/pics/d.jpg")), secondUploaded);
-}
-
-void TestFrmFtp::abortDuringTransfer()
-{
-    // Uploads are read at 64 KB a second, so the big picture is still going when Abort is hit.
-    FtpTestServer server(QStringLiteral("throttle"), {QStringLiteral("--rate"), "65536"});
-    server.makeDir(QStringLiteral("/www/pics"));
-    TestEnvironment env;
-    AppContext& ctx = env.context();
-    setConnection(ctx, server.port());
-    ctx.state.ftpAction = QStringLiteral("UploadImages");
-    const QByteArray big = binarySample(24 * 1024 * 1024, 5);
-    ctx.state.uploadFiles[1] = env.writeFile(QStringLiteral("big.jpg"), big);
-    ctx.state.uploadFiles[2] = env.writeFile(QStringLiteral("small.jpg"), "small picture");
-
-    frmFTP window(ctx);
-    auto* abort = window.findChild<QPushButton*>(QStringLiteral("CancelBtn"));
-    auto* close = window.findChild<QPushButton*>(QStringLiteral("cmdClose"));
-    auto* gauge = window.findChild<QFrame*>(QStringLiteral("Gauge"));
-    QVERIFY(abort && close && gauge);
-    QVERIFY(abort->isHidden() && gauge->isHidden()); // until the first progress report
-
-    bool clicked = false;
-    bool stayedOpen = false;
-    QStringList layoutDuring;
-    QTimer poll;
-    connect(&poll, &QTimer::timeout, this, [&] {
-        if (clicked || !abort->isVisible() || !abort->isEnabled())
+        QWidget itemWindow;
+        int optionsOpened = 0;
+        const QPointer<frmFTP> window = runUploadCommand(ctx, UploadSource::ItemPictures, paths,
+                                                         &itemWindow, [&] { ++optionsOpened; });
+        QCOMPARE(optionsOpened, row.message.isEmpty() ? 0 : 1);
+        QCOMPARE(ctx.state.ftpAction, row.message.isEmpty() ? "UploadImages" : "RemoveImages");
+        if (!row.message.isEmpty()) {
+            QVERIFY(window.isNull());
+            QCOMPARE(rig.env.prompts().shown().size(), 1);
+            QCOMPARE(rig.env.prompts().shown().first().text, row.message);
             return;
-        layoutDuring = layoutProblems(&window);
-        window.grab().save(QStringLiteral("/tmp/tst_frmftp_progress.png"));
-        window.close(); // a running session keeps its window
-        stayedOpen = window.isVisible();
-        clicked = true;
-        QTest::mouseClick(abort, Qt::LeftButton);
-        QVERIFY(!close->isEnabled());
-        QVERIFY(abort->isHidden() && gauge->isHidden());
-    });
-    poll.start(20);
-    QVERIFY(runSession(window));
-    poll.stop();
-
-    QVERIFY(clicked);
-    QVERIFY(stayedOpen);
-    QCOMPARE(layoutDuring, QStringList());
-    QCOMPARE(boxTexts(env.prompts()), QStringList{ftpErrorMessage(22029)});
-    QCOMPARE(window.statusLines().last(), kLoggingOff);
-    QVERIFY(server.content(QStringLiteral("/www/pics/big.jpg")).size() < big.size());
-    QCOMPARE(server.content(QStringLiteral("/www/pics/small.jpg")), QByteArray("small picture"));
-    QVERIFY(close->isEnabled());
-    QVERIFY(abort->isHidden());
-}
-
-void TestFrmFtp::uploadCommand_data()
-{
-    QTest::addColumn<QStringList>("names"); // pictures written into the app folder
-    QTest::addColumn<bool>("hostSet");
-    QTest::addColumn<QString>("message"); // "" = the FTP window runs
-
-    QTest::newRow("pictures uploaded") << QStringList{"a.jpg", "", "c.jpg"} << true << "";
-    QTest::newRow("no pictures: connect and log off") << QStringList{"", " ", ""} << true << "";
-    QTest::newRow("host missing")
-        << QStringList{"a.jpg"} << false
-        << "A Remote Host must be specified on the options screen before uploading images.";
-}
-
-void TestFrmFtp::uploadCommand()
-{
-    QFETCH(QStringList, names);
-    QFETCH(bool, hostSet);
-    QFETCH(QString, message);
-
-    FtpTestServer server;
-    server.makeDir(QStringLiteral("/www/pics"));
-    TestEnvironment env;
-    AppContext& ctx = env.context();
-    setConnection(ctx, server.port());
-    if (!hostSet)
-        ctx.state.options.remoteHost = QStringLiteral(" ");
-    ctx.state.ftpAction = QStringLiteral("RemoveImages"); // left over from a clean-up
-    QStringList paths, uploaded;
-    for (const QString& name : names) {
-        paths << (name.trimmed().isEmpty() ? name : env.writeFile(name, name.toUtf8()));
-        if (!name.trimmed().isEmpty())
-            uploaded << name;
+        }
+        QVERIFY(window && window->isVisible() && !window->isModal());
+        QCOMPARE(window->parentWidget(), &itemWindow);
+        QCOMPARE(window->windowTitle(), QStringLiteral("FTP"));
+        QSignalSpy done(window.data(), &frmFTP::finished);
+        QVERIFY(done.wait(60000));
+        QCOMPARE(window->statusLines(), expected);
+        QVERIFY(rig.env.prompts().shown().isEmpty());
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(rig.content(row.landsIn + QStringLiteral("p%1.jpg").arg(i)), sample(sizes[i]));
+        QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdClose")),
+                          Qt::LeftButton);
+        QTRY_VERIFY(window.isNull());
     }
 
-    QWidget itemWindow;
-    int optionsOpened = 0;
-    QPointer<frmFTP> window = runUploadCommand(ctx, UploadSource::ItemPictures, paths, &itemWindow,
-                                               [&] { ++optionsOpened; });
-    QCOMPARE(optionsOpened, hostSet ? 0 : 1);
-    if (!message.isEmpty()) {
-        QVERIFY(window.isNull());
-        QCOMPARE(boxTexts(env.prompts()), QStringList{message});
-        QCOMPARE(ctx.state.ftpAction, QStringLiteral("RemoveImages"));
-        return;
+    void removeRunIsSilent()
+    {
+        Rig rig;
+        AppContext& ctx = rig.ctx;
+        for (const char* name : {"/www/pics/a.jpg", "/www/pics/b c.jpg", "/www/a.jpg"})
+            QVERIFY(QFile(rig.local(QString::fromUtf8(name))).open(QIODevice::WriteOnly));
+        ctx.state.ftpAction = QStringLiteral("RemoveImages");
+        // Removal goes by the slots' names alone: the local files are long gone.
+        ctx.state.uploadFiles[1] = QStringLiteral("C:\\Auction\\a.jpg");
+        ctx.state.uploadFiles[2] = QStringLiteral("/home/s/never there.jpg");
+        ctx.state.uploadFiles[3] = QStringLiteral("/home/s/b c.jpg ");
+
+        frmFTP window(ctx);
+        QVERIFY(runSession(window));
+        // clang-format off
+        QCOMPARE(window.statusLines(), QStringList({"Connecting to 127.0.0.1", "Connected.",
+            "Deleting Image file picsa.jpg from FTP Host 127.0.0.1",
+            "Deleting Image file picsnever there.jpg from FTP Host 127.0.0.1",
+            "Deleting Image file picsb c.jpg  from FTP Host 127.0.0.1", kLoggingOff}));
+        // clang-format on
+        QVERIFY(!QFile::exists(rig.local("/www/pics/a.jpg")) &&
+                QFile::exists(rig.local("/www/a.jpg")));
+        QVERIFY(!QFile::exists(rig.local(QStringLiteral("/www/pics/b c.jpg"))));
+        QVERIFY(rig.env.prompts().shown().isEmpty());
+        QCOMPARE(window.errorState().errorCode, 22041); // the missing file, recorded not shown
     }
 
-    QVERIFY(!window.isNull());
-    QCOMPARE(ctx.state.ftpAction, QStringLiteral("UploadImages"));
-    QVERIFY(window->isVisible() && !window->isModal());
-    QCOMPARE(window->parentWidget(), &itemWindow);
-    QSignalSpy done(window.data(), &frmFTP::finished);
-    QVERIFY(done.wait(60000));
-    QVERIFY(env.prompts().shown().isEmpty());
-    QCOMPARE(window->statusLines().size(), 3 + uploaded.size());
-    for (const QString& name : uploaded)
-        QCOMPARE(server.content("/www/pics/" + name), name.toUtf8());
+    void connectFailures_data()
+    {
+        QTest::addColumn<Failure>("row");
+        // clang-format off
+        QTest::newRow("wrong password")    << Failure{kHost,                "",    "guess",  "",     22039};
+        QTest::newRow("refused port")      << Failure{kHost,                "1",   "secret", "",     22008};
+        QTest::newRow("unknown host")      << Failure{"ftp.seller.invalid", "",    "secret", "",     22005};
+        QTest::newRow("port not a number") << Failure{kHost,                "ftp", "secret", "",     22014};
+        QTest::newRow("never answers")     << Failure{kHost,                "",    "secret", "hang", 22020};
+        // clang-format on
+    }
+    void connectFailures()
+    {
+        QFETCH(Failure, row);
+        Rig rig(row.mode);
+        AppContext& ctx = rig.ctx;
+        ctx.state.options.ftpPassword = row.password;
+        ctx.state.options.remoteHost = row.host;
+        if (!row.port.isEmpty())
+            ctx.state.options.remotePort = row.port;
+        ctx.state.uploadFiles[1] = rig.env.writeFile(QStringLiteral("a.jpg"), "picture");
 
-    QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdClose")), Qt::LeftButton);
-    QTRY_VERIFY(window.isNull()); // closing unloads it
-}
+        frmFTP window(ctx);
+        window.client().setTimeoutSeconds(1);
+        QVERIFY(runSession(window));
+        // No "Connected.", no transfer, no logging off; Close is enabled all the same.
+        QCOMPARE(window.statusLines(), QStringList{"Connecting to " + row.host});
+        QCOMPARE(window.errorState().errorCode, row.code);
+        QVERIFY(window.findChild<QPushButton*>(QStringLiteral("cmdClose"))->isEnabled());
+        QCOMPARE(rig.env.prompts().shown().size(), 1);
+        QCOMPARE(rig.env.prompts().shown().first().text, ftpErrorMessage(row.code));
+        QCOMPARE(rig.content(QStringLiteral("/www/pics/a.jpg")), QByteArray("<missing>"));
+    }
+
+    void abortDuringTransfer()
+    {
+        Rig rig(QStringLiteral("65536")); // the big picture is still going when Abort hits
+        AppContext& ctx = rig.ctx;
+        const QByteArray big = sample(24 * 1024 * 1024);
+        ctx.state.uploadFiles[1] = rig.env.writeFile(QStringLiteral("big.jpg"), big);
+        ctx.state.uploadFiles[2] = rig.env.writeFile(QStringLiteral("small.jpg"), "small picture");
+
+        frmFTP window(ctx);
+        QPushButton* abort = window.findChild<QPushButton*>(QStringLiteral("CancelBtn"));
+        QPushButton* close = window.findChild<QPushButton*>(QStringLiteral("cmdClose"));
+        auto* gauge = window.findChild<QFrame*>(QStringLiteral("Gauge"));
+        QVERIFY(abort->isHidden() && gauge->isHidden()); // until the first progress report
+        bool clicked = false;
+        QTimer poll;
+        connect(&poll, &QTimer::timeout, this, [&] {
+            if (clicked || !abort->isVisible() || !abort->isEnabled())
+                return;
+            clicked = true;
+            QCOMPARE(layoutProblems(&window), QStringList());
+            window.close(); // a running session keeps its window
+            QVERIFY(window.isVisible());
+            QTest::mouseClick(abort, Qt::LeftButton);
+            QVERIFY(!close->isEnabled() && abort->isHidden() && gauge->isHidden());
+        });
+        poll.start(20);
+        QVERIFY(runSession(window));
+
+        QVERIFY(clicked);
+        QCOMPARE(rig.env.prompts().shown().size(), 1);
+        QCOMPARE(rig.env.prompts().shown().first().text, ftpErrorMessage(22029));
+        QCOMPARE(window.statusLines().last(), kLoggingOff);
+        QVERIFY(rig.content(QStringLiteral("/www/pics/big.jpg")).size() < big.size());
+        QCOMPARE(rig.content(QStringLiteral("/www/pics/small.jpg")), "small picture");
+        QVERIFY(close->isEnabled() && abort->isHidden());
+    }
+};
 
 QTEST_MAIN(TestFrmFtp)
 #include "tst_frmftp.moc"

@@ -4,157 +4,81 @@
 #include <QSet>
 #include <QtTest>
 
+namespace {
+// A country's code is its position counted from 1; a region carries a code of its own.
+// Regions are looked up without letter case, countries by their exact names.
+// clang-format off
+struct Entry { bool country; QString name; int position, code; };
+struct Tidy { QString field, typed, expected; }; // field: "dir", "url" or "days"
+// clang-format on
+} // namespace
+
 class tst_OptionsFields : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void countryCodesFollowListPosition_data()
+    void listEntries_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<int>("code");
-        QTest::newRow("first") << "United States" << 1;
-        QTest::newRow("second") << "Canada" << 2;
-        QTest::newRow("third") << "United Kingdom" << 3;
-        QTest::newRow("comma in name") << "Congo, Democratic Republic of the" << 48;
-        QTest::newRow("odd Croatia") << "Croatia, Democratic Republic of the" << 53;
-        QTest::newRow("odd Falklands") << "Falkland Islands (Islas Makvinas)" << 68;
-        QTest::newRow("Korea, South") << "Korea, South" << 111;
-        QTest::newRow("odd Lebanon") << "Lebanon, South" << 116;
-        QTest::newRow("Virgin Islands") << "Virgin Islands (U.S.)" << 217;
-        QTest::newRow("last") << "Zimbabwe" << 224;
+        QTest::addColumn<Entry>("row");
+        // clang-format off
+        QTest::newRow("first country") << Entry{true, "United States", 0, 1};
+        QTest::newRow("comma in name") << Entry{true, "Congo, Democratic Republic of the", 47, 48};
+        QTest::newRow("odd Falklands") << Entry{true, "Falkland Islands (Islas Makvinas)", 67, 68};
+        QTest::newRow("last country")  << Entry{true, "Zimbabwe", 223, 224};
+        QTest::newRow("exact only")    << Entry{true, "zimbabwe", -1, 0};
+        QTest::newRow("no region")     << Entry{false, "Do not list regionally", 0, 0};
+        QTest::newRow("second region") << Entry{false, "AZ-Phoenix", 1, 39};
+        QTest::newRow("odd Boise")     << Entry{false, "ID-Billings-Boise", 15, 5};
+        QTest::newRow("lower case")    << Entry{false, "tx-austin", 46, 3};
+        QTest::newRow("last region")   << Entry{false, "WI-Milwaukee", 53, 30};
+        QTest::newRow("unknown")       << Entry{false, "Nowhere", -1, -1};
+        // clang-format on
     }
-    void countryCodesFollowListPosition()
+    void listEntries()
     {
-        QFETCH(QString, name);
-        QFETCH(int, code);
-        QCOMPARE(countryNames().size(), 224);
-        QCOMPARE(countryIndex(name) + 1, code);
-        QCOMPARE(countryNames().at(code - 1), name);
-    }
-
-    void countryNamesAreUnique()
-    {
+        QFETCH(Entry, row);
         const QStringList& names = countryNames();
-        QCOMPARE(QSet<QString>(names.begin(), names.end()).size(), names.size());
-        QCOMPARE(countryIndex(QStringLiteral("united states")), -1); // exact names only
-    }
-
-    void regionsCarryTheirCodes_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<int>("position");
-        QTest::addColumn<int>("code");
-        QTest::newRow("first") << "Do Not List Regionally" << 0 << 0;
-        QTest::newRow("second") << "AZ-Phoenix" << 1 << 39;
-        QTest::newRow("Los Angeles") << "CA-Los Angeles" << 2 << 1;
-        QTest::newRow("odd Boise") << "ID-Billings-Boise" << 15 << 5;
-        QTest::newRow("odd Cincinnatti") << "OH-Cincinnatti" << 34 << 11;
-        QTest::newRow("Tampa") << "FL-Tampa-St. Petersburg" << 11 << 52;
-        QTest::newRow("last") << "WI-Milwaukee" << 53 << 30;
-    }
-    void regionsCarryTheirCodes()
-    {
-        QFETCH(QString, name);
-        QFETCH(int, position);
-        QFETCH(int, code);
-        QCOMPARE(regionEntries().size(), 54);
-        QCOMPARE(regionEntries().at(position).name, name);
-        QCOMPARE(regionEntries().at(position).code, code);
-    }
-
-    void regionCodesAreAPermutation()
-    {
-        QSet<int> codes;
+        QCOMPARE(names.size(), 224);
+        QCOMPARE(QSet<QString>(names.begin(), names.end()).size(), 224); // none twice
+        QSet<int> codes; // each of 0..53 exactly once
         for (const RegionEntry& r : regionEntries())
-            codes.insert(r.code);
+            codes.insert(qBound(-1, r.code, 54));
+        QCOMPARE(regionEntries().size(), 54);
         QCOMPARE(codes.size(), 54);
-        QCOMPARE(*std::min_element(codes.begin(), codes.end()), 0);
-        QCOMPARE(*std::max_element(codes.begin(), codes.end()), 53);
+        QVERIFY(!codes.contains(-1) && !codes.contains(54));
+        QCOMPARE(row.country ? countryIndex(row.name) : regionIndex(row.name), row.position);
+        if (row.country)
+            QCOMPARE(row.position + 1, row.code);
+        else if (row.position >= 0)
+            QCOMPARE(regionEntries().at(row.position).code, row.code);
     }
 
-    void storedRegionDefaultNamesFirstEntry()
+    void tidying_data()
     {
-        QCOMPARE(regionIndex(QStringLiteral("Do not list regionally")), 0);
-        QCOMPARE(regionIndex(QStringLiteral("tx-austin")), 46);
-        QCOMPARE(regionIndex(QStringLiteral("Nowhere")), -1);
+        QTest::addColumn<Tidy>("row");
+        // clang-format off
+        QTest::newRow("dir backslashes")  << Tidy{"dir", "\\images\\", "images/"};
+        QTest::newRow("dir empty")        << Tidy{"dir", "", ""};
+        QTest::newRow("dir nested")       << Tidy{"dir", "\\www\\images", "www\\images/"};
+        QTest::newRow("dir default")      << Tidy{"dir", ".\\", "./"};
+        QTest::newRow("dir only a slash") << Tidy{"dir", "/", ""};
+        QTest::newRow("dir doubled")      << Tidy{"dir", "//images\\\\", "images/"};
+        QTest::newRow("dir mixed end")    << Tidy{"dir", "images/\\", "images/"};
+        QTest::newRow("url slash added")  << Tidy{"url", "http://h/~wren", "http://h/~wren/"};
+        QTest::newRow("url trimmed")      << Tidy{"url", " http://h/pics ", "http://h/pics/"};
+        QTest::newRow("days blank")       << Tidy{"days", "  ", "1"};
+        QTest::newRow("days zero kept")   << Tidy{"days", "0", "0"};
+        // clang-format on
     }
-
-    void hostImageDir_data()
+    void tidying()
     {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("backslashes around") << "\\images\\"
-                                            << "images/";
-        QTest::newRow("bare word") << "images"
-                                   << "images/";
-        QTest::newRow("empty stays empty") << ""
-                                           << "";
-        QTest::newRow("leading slash") << "/images/"
-                                       << "images/";
-        QTest::newRow("already tidy") << "images/"
-                                      << "images/";
-        QTest::newRow("nested") << "\\www\\images"
-                                << "www\\images/";
-        QTest::newRow("stored default") << ".\\"
-                                        << "./";
-        QTest::newRow("only a backslash") << "\\"
-                                          << "";
-        QTest::newRow("only a slash") << "/"
-                                      << "";
-        QTest::newRow("doubled separators") << "//images\\\\"
-                                            << "images/";
-        QTest::newRow("mixed ending") << "images/\\"
-                                      << "images/";
-    }
-    void hostImageDir()
-    {
-        QFETCH(QString, typed);
-        QFETCH(QString, expected);
-        QCOMPARE(normalizeHostImageDir(typed), expected);
-        QCOMPARE(normalizeHostImageDir(expected), expected); // leaving the field again keeps it
-    }
-
-    void webImagesUrl_data()
-    {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("slash added") << "http://www.example.com/~wren"
-                                     << "http://www.example.com/~wren/";
-        QTest::newRow("slash kept") << "http://h/pics/"
-                                    << "http://h/pics/";
-        QTest::newRow("empty") << ""
-                               << "";
-        QTest::newRow("blanks only") << "   "
-                                     << "";
-        QTest::newRow("blanks trimmed") << " http://h/pics "
-                                        << "http://h/pics/";
-    }
-    void webImagesUrl()
-    {
-        QFETCH(QString, typed);
-        QFETCH(QString, expected);
-        QCOMPARE(normalizeWebImagesUrl(typed), expected);
-    }
-
-    void pastDays_data()
-    {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("empty") << ""
-                               << "1";
-        QTest::newRow("blank") << "  "
-                               << "1";
-        QTest::newRow("number kept") << "14"
-                                     << "14";
-        QTest::newRow("zero kept") << "0"
-                                   << "0";
-    }
-    void pastDays()
-    {
-        QFETCH(QString, typed);
-        QFETCH(QString, expected);
-        QCOMPARE(normalizePastDays(typed), expected);
+        QFETCH(Tidy, row);
+        const auto tidy = row.field == u"dir"   ? normalizeHostImageDir
+                          : row.field == u"url" ? normalizeWebImagesUrl
+                                                : normalizePastDays;
+        QCOMPARE(tidy(row.typed), row.expected);
+        QCOMPARE(tidy(row.expected), row.expected); // leaving the field again keeps it
     }
 };
 
