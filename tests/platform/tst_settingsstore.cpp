@@ -4,147 +4,87 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-namespace {
-const QString kApp = QStringLiteral("Tallybid");
-const QString kOptions = QStringLiteral("Options");
-
-QString fileText(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
-}
-} // namespace
+static const QString kApp = QStringLiteral("Tallybid");
+static const QString kOptions = QStringLiteral("Options");
 
 class TestSettingsStore : public QObject
 {
     Q_OBJECT
 private slots:
-    void valuesRoundTrip_data();
-    void valuesRoundTrip();
-    void namesIgnoreCase();
-    void damagedFileStillReads();
-    void applicationsAndWrites();
-    void booleans_data();
-    void booleans();
+    void valuesRoundTrip_data()
+    {
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("flag"); // read as a boolean; empty: the default is kept
+        const auto row = [](const char* name, const char* value, const char* flag = "") {
+            QTest::newRow(name) << QString::fromUtf8(value) << QString::fromLatin1(flag);
+        };
+        row("line breaks", "Dear buyer,\r\n\r\nThanks!\nBye");
+        row("backslashes", "C:\\Tallybid\\Images\\n\\");
+        row("equals and semicolon", "a=b; c==d");
+        row("quoted", "\"hi\"");
+        row("non-ASCII", "Grüße €");
+        row("empty", "");
+        row("false any case", "fALSE", "False");
+        row("minus one", "-1", "True");
+        row("outer blanks", " True ", "True");
+    }
+    void valuesRoundTrip()
+    {
+        QFETCH(QString, value);
+        QFETCH(QString, flag);
+        QTemporaryDir dir;
+        SettingsStore store(dir.path());
+        QVERIFY(store.save(kApp, kOptions, "Note", value) &&
+                store.save(kApp, kOptions, "After", "x"));
+        const SettingsStore reread(dir.path()); // a fresh store reads the file, not the memory
+        QCOMPARE(reread.get(kApp, kOptions, "Note", "dflt"), value);
+        QCOMPARE(reread.get(kApp, kOptions, "After"), "x");
+        for (const bool dflt : {false, true})
+            QCOMPARE(reread.getBool(kApp, kOptions, "Note", dflt),
+                     flag.isEmpty() ? dflt : flag == "True");
+    }
+
+    void namesApplicationsAndWrites()
+    {
+        QTemporaryDir dir;
+        SettingsStore store(dir.filePath("not/yet/there"));
+        store.save(kApp, kOptions, "ToolBar", "x");
+        store.saveBool(kApp, "OPTIONS", "toolbar", true);
+        store.saveBool(kApp, "System", "Sound", false);
+        store.save("Pulsewatch", kOptions, "ToolBar", "/b");
+        QCOMPARE(store.get(kApp, "options", "Toolbar"), "True");
+        // The spelling first written is kept, once; other applications have files of their own.
+        QFile file(store.filePath(kApp));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), "[Options]\nToolBar=True\n\n[System]\nSound=False\n\n");
+        // Every save replaced the file whole: no temporary files are left beside it.
+        QCOMPARE(QDir(store.folder()).entryList(QDir::Files | QDir::Hidden, QDir::Name),
+                 (QStringList{"Pulsewatch.ini", "Tallybid.ini"}));
+        SettingsStore blocked(file.fileName()); // the folder is a file: nothing can be written
+        QVERIFY(!blocked.save(kApp, kOptions, "Key", "kept"));
+        QCOMPARE(blocked.get(kApp, kOptions, "Key"), "kept");
+    }
+
+    void damagedFileStillReads()
+    {
+        QTemporaryDir dir;
+        if (QFile file(SettingsStore(dir.path()).filePath(kApp)); file.open(QIODevice::WriteOnly))
+            file.write(
+                "Orphan=before any section\n\x01\x02 garbage \xff\xfe\n[Options]\n=no key\n"
+                "no equals sign\nMailServer = smtp.example.com\n[\n[System]\nItemsViewed=Open\n"
+                "[options]\nImageLoc=shop/\nHalf=");
+        // Read it, save over it, and read the rewritten file: what could be read is kept.
+        for (int pass = 0; pass < 2; ++pass) {
+            SettingsStore s(dir.path());
+            QCOMPARE(s.get(kApp, kOptions, "MailServer"), "smtp.example.com");
+            QCOMPARE(s.get(kApp, "System", "ItemsViewed"), "Open");
+            QCOMPARE(s.get(kApp, kOptions, "ImageLoc") + s.get(kApp, kOptions, "Half", "d"),
+                     "shop/");
+            QCOMPARE(s.get(kApp, kOptions, "Orphan", "d"), "d");
+            QVERIFY(s.save(kApp, kOptions, "New", "1"));
+        }
+    }
 };
-
-void TestSettingsStore::valuesRoundTrip_data()
-{
-    QTest::addColumn<QString>("value");
-    QTest::newRow("plain") << "smtp.example.com";
-    QTest::newRow("line breaks") << "Dear buyer,\r\n\r\nThanks!\nBye";
-    QTest::newRow("backslashes") << "C:\\Tallybid\\Images\\n\\";
-    QTest::newRow("equals and semicolon") << "a=b; c==d";
-    QTest::newRow("looks like a section") << "[Options]";
-    QTest::newRow("outer blanks") << "  padded  ";
-    QTest::newRow("quoted") << "\"hi\"";
-    QTest::newRow("non-ASCII") << "Grüße €";
-    QTest::newRow("empty") << "";
-}
-
-void TestSettingsStore::valuesRoundTrip()
-{
-    QFETCH(QString, value);
-    QTemporaryDir dir;
-    SettingsStore store(dir.path());
-    QVERIFY(store.save(kApp, kOptions, QStringLiteral("Note"), value));
-    QVERIFY(store.save(kApp, kOptions, QStringLiteral("After"), QStringLiteral("x")));
-    const SettingsStore reread(dir.path()); // a fresh store reads the file, not the memory
-    QCOMPARE(reread.get(kApp, kOptions, QStringLiteral("Note"), QStringLiteral("dflt")), value);
-    QCOMPARE(reread.get(kApp, kOptions, QStringLiteral("After")), QStringLiteral("x"));
-}
-
-void TestSettingsStore::namesIgnoreCase()
-{
-    QTemporaryDir dir;
-    SettingsStore store(dir.path());
-    store.save(kApp, kOptions, QStringLiteral("ToolBar"), QStringLiteral("False"));
-    store.save(kApp, QStringLiteral("OPTIONS"), QStringLiteral("toolbar"), QStringLiteral("True"));
-    QCOMPARE(store.get(kApp, QStringLiteral("options"), QStringLiteral("Toolbar")),
-             QStringLiteral("True"));
-    QVERIFY(!store.contains(kApp, QStringLiteral("System"), QStringLiteral("Toolbar")));
-    QCOMPARE(store.get(kApp, kOptions, QStringLiteral("Missing"), QStringLiteral("d")),
-             QStringLiteral("d"));
-    // The spelling first written is kept, once.
-    QCOMPARE(fileText(store.filePath(kApp)), QStringLiteral("[Options]\nToolBar=True\n\n"));
-}
-
-void TestSettingsStore::damagedFileStillReads()
-{
-    QTemporaryDir dir;
-    QFile file(SettingsStore(dir.path()).filePath(kApp));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("Orphan=before any section\n\x01\x02 garbage \xff\xfe\n[Options]\n=no key\n"
-               "no equals sign\nMailServer = smtp.example.com\n[\n[System]\nItemsViewed=Open\n"
-               "[options]\nImageLoc=shop/\nHalf=");
-    file.close();
-    SettingsStore store(dir.path());
-    const auto check = [](const SettingsStore& s) {
-        QCOMPARE(s.get(kApp, kOptions, QStringLiteral("MailServer")),
-                 QStringLiteral("smtp.example.com"));
-        QCOMPARE(s.get(kApp, QStringLiteral("System"), QStringLiteral("ItemsViewed")),
-                 QStringLiteral("Open"));
-        QCOMPARE(s.get(kApp, kOptions, QStringLiteral("ImageLoc")), QStringLiteral("shop/"));
-        QCOMPARE(s.get(kApp, kOptions, QStringLiteral("Half"), QStringLiteral("d")), QString());
-        QVERIFY(!s.contains(kApp, kOptions, QStringLiteral("Orphan")));
-    };
-    check(store);
-    // Saving over a damaged file keeps everything that could be read.
-    QVERIFY(store.save(kApp, kOptions, QStringLiteral("New"), QStringLiteral("1")));
-    check(SettingsStore(dir.path()));
-}
-
-void TestSettingsStore::applicationsAndWrites()
-{
-    QTemporaryDir dir;
-    const QString folder = dir.filePath(QStringLiteral("not/yet/there"));
-    SettingsStore store(folder);
-    const QString data = QStringLiteral("SystemData"), key = QStringLiteral("AppPath");
-    store.save(kApp, data, key, QStringLiteral("/a"));
-    QCOMPARE(store.get(QStringLiteral("Pulsewatch"), data, key), QString());
-    store.save(QStringLiteral("Pulsewatch"), data, key, QStringLiteral("/b"));
-    QCOMPARE(store.get(kApp, data, key), QStringLiteral("/a"));
-    for (int i = 0; i < 30; ++i)
-        QVERIFY(store.save(kApp, kOptions, QStringLiteral("Key%1").arg(i), QString::number(i)));
-    // Every save replaced the file whole: no temporary files are left beside it.
-    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name),
-             (QStringList{"Pulsewatch.ini", "Tallybid.ini"}));
-    QCOMPARE(SettingsStore(folder).get(kApp, kOptions, QStringLiteral("Key29")),
-             QStringLiteral("29"));
-
-    SettingsStore blocked(dir.filePath(QStringLiteral("not/yet/there/Tallybid.ini")));
-    QVERIFY(!blocked.save(kApp, kOptions, key, QStringLiteral("kept"))); // folder is a file
-    QCOMPARE(blocked.get(kApp, kOptions, key), QStringLiteral("kept"));
-}
-
-void TestSettingsStore::booleans_data()
-{
-    QTest::addColumn<QString>("stored");
-    QTest::addColumn<bool>("defaultValue");
-    QTest::addColumn<bool>("expected");
-    QTest::newRow("True") << "True" << false << true;
-    QTest::newRow("false any case") << "fALSE" << true << false;
-    QTest::newRow("minus one") << "-1" << false << true;
-    QTest::newRow("zero") << "0" << true << false;
-    QTest::newRow("blank padded") << " True " << false << true;
-    QTest::newRow("garbage keeps default") << "maybe" << true << true;
-    QTest::newRow("empty keeps default") << "" << true << true;
-}
-
-void TestSettingsStore::booleans()
-{
-    QFETCH(QString, stored);
-    QFETCH(bool, defaultValue);
-    QTemporaryDir dir;
-    SettingsStore store(dir.path());
-    store.save(kApp, kOptions, QStringLiteral("Flag"), stored);
-    QTEST(store.getBool(kApp, kOptions, QStringLiteral("Flag"), defaultValue), "expected");
-    QCOMPARE(store.getBool(kApp, kOptions, QStringLiteral("Unset"), defaultValue), defaultValue);
-    store.saveBool(kApp, kOptions, QStringLiteral("Flag"), !defaultValue);
-    QCOMPARE(store.get(kApp, kOptions, QStringLiteral("Flag")),
-             SettingsStore::boolText(!defaultValue));
-    QCOMPARE(SettingsStore::boolText(true), QStringLiteral("True"));
-}
 
 QTEST_GUILESS_MAIN(TestSettingsStore)
 #include "tst_settingsstore.moc"
