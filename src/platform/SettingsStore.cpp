@@ -163,10 +163,9 @@ bool SettingsStore::contains(const QString& application, const QString& section,
     return false;
 }
 
-bool SettingsStore::save(const QString& application, const QString& section, const QString& key,
-                         const QString& value)
+void SettingsStore::setInMemory(File& file, const QString& section, const QString& key,
+                                const QString& value)
 {
-    File& file = load(application);
     Section* target = nullptr;
     for (Section& s : file.sections)
         if (sameName(s.name, section))
@@ -183,6 +182,22 @@ bool SettingsStore::save(const QString& application, const QString& section, con
         }
     if (!found)
         target->entries.append({key, value});
+}
+
+bool SettingsStore::save(const QString& application, const QString& section, const QString& key,
+                         const QString& value)
+{
+    File& file = load(application);
+    setInMemory(file, section, key, value);
+    return write(application, file);
+}
+
+bool SettingsStore::saveAll(const QString& application, const QString& section,
+                            const QList<std::pair<QString, QString>>& values)
+{
+    File& file = load(application);
+    for (const auto& [key, value] : values)
+        setInMemory(file, section, key, value);
     return write(application, file);
 }
 

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <utility>
 
 // Text values kept by application, section and key: one INI file per application in a
 // configuration folder. Section and key names are compared without letter case ("ToolBar" and
@@ -25,6 +26,9 @@ public:
     // Returns false when the file could not be written; the value stays in memory either way.
     bool save(const QString& application, const QString& section, const QString& key,
               const QString& value);
+    // Several keys of one section in a single rewrite of the file.
+    bool saveAll(const QString& application, const QString& section,
+                 const QList<std::pair<QString, QString>>& values);
 
     // Booleans are kept as "True"/"False"; reading also accepts numbers and any letter case.
     bool getBool(const QString& application, const QString& section, const QString& key,
@@ -52,6 +56,8 @@ private:
 
     File& load(const QString& application) const;
     bool write(const QString& application, const File& file) const;
+    static void setInMemory(File& file, const QString& section, const QString& key,
+                            const QString& value);
 
     QString m_folder;
     mutable QHash<QString, File> m_files; // by lower-case application name

@@ -305,14 +305,9 @@ bool frmOptions::applySettings()
     SettingsStore& store = m_ctx.store;
     const QString& app = Settings::kApp;
     const QString& o = Settings::kOptions;
-    bool written = true;
-    // Every save rewrites the settings file, so a value already stored as it is is left alone;
-    // after a failed write everything is written again.
-    const auto save = [&](const QString& key, const QString& value) {
-        if (!m_writeFailed && store.contains(app, o, key) && store.get(app, o, key) == value)
-            return;
-        written = store.save(app, o, key, value) && written;
-    };
+    // Every value goes into one rewrite of the settings file.
+    QList<std::pair<QString, QString>> values;
+    const auto save = [&](const QString& key, const QString& value) { values.append({key, value}); };
 
     for (const TextField& field : std::as_const(m_textFields))
         save(field.key, field.edit->text());
@@ -327,9 +322,9 @@ bool frmOptions::applySettings()
     save(QStringLiteral("CountryNum"), m_pendingCountryNum);
     save(QStringLiteral("Region"), m_pendingRegion);
     save(QStringLiteral("RegionNum"), m_pendingRegionNum);
+    const bool written = store.saveAll(app, o, values);
 
     m_ctx.state.options = OptionsRecord::load(store);
-    m_writeFailed = !written;
     wait.reset();
     if (!written)
         m_ctx.prompts.message(OptionsTexts::saveFailed(store.filePath(app)),

@@ -79,7 +79,6 @@ private:
     QString m_pendingCountry, m_pendingCountryNum;
     QString m_pendingRegion, m_pendingRegionNum;
     bool m_loading = false;
-    bool m_writeFailed = false;
     bool m_startPageTyped = false;
     bool m_leaveFeedbackTyped = false;
 };
