@@ -15,17 +15,20 @@ private slots:
     {
         QList<QVariantMap> rows;
         for (int i = 1; i <= 5000; ++i)
-            rows << QVariantMap{{QStringLiteral("ShortDescription"), QStringLiteral("Item %1").arg(i)},
-                                {QStringLiteral("Description"), QStringLiteral("A longer text about item %1").arg(i)},
-                                {QStringLiteral("BuyerEmail"), QStringLiteral("buyer%1@example.com").arg(i)},
-                                {QStringLiteral("Active"), i % 3 ? 1 : 0}};
+            rows << QVariantMap{
+                {QStringLiteral("ShortDescription"), QStringLiteral("Item %1").arg(i)},
+                {QStringLiteral("Description"),
+                 QStringLiteral("A longer text about item %1").arg(i)},
+                {QStringLiteral("BuyerEmail"), QStringLiteral("buyer%1@example.com").arg(i)},
+                {QStringLiteral("Active"), i % 3 ? 1 : 0}};
         m_env.addItems(rows);
     }
     void openActiveView()
     {
         RecordSet records(m_env.context().itemDatabase);
         records.setRecordSource(ItemSql::kActiveView);
-        QBENCHMARK {
+        QBENCHMARK
+        {
             records.refresh();
             records.moveLast();
             records.moveFirst();
@@ -36,7 +39,8 @@ private slots:
         RecordSet records(m_env.context().itemDatabase);
         records.setRecordSource(ItemSql::kAllView);
         records.refresh();
-        QBENCHMARK {
+        QBENCHMARK
+        {
             records.moveFirst();
             while (!records.eof())
                 records.moveNext();
@@ -47,9 +51,10 @@ private slots:
         RecordSet records(m_env.context().itemDatabase);
         records.setRecordSource(ItemSql::kAllView);
         records.refresh();
-        QBENCHMARK {
-            records.findFirst(QStringLiteral(
-                "(([ShortDescription] LIKE \"*item 4999*\") OR ([Description] LIKE \"*item 4999*\")) "));
+        QBENCHMARK
+        {
+            records.findFirst(QStringLiteral("(([ShortDescription] LIKE \"*item 4999*\") OR "
+                                             "([Description] LIKE \"*item 4999*\")) "));
         }
         QCOMPARE(records.text(QStringLiteral("ShortDescription")), QStringLiteral("Item 4999"));
     }

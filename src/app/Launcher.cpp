@@ -30,8 +30,7 @@ Launcher::~Launcher()
         QSqlDatabase::removeDatabase(m_connection);
 }
 
-bool Launcher::start(const QStringList& arguments, const QString& executableDir,
-                     QSize screenPixels)
+bool Launcher::start(const QStringList& arguments, const QString& executableDir, QSize screenPixels)
 {
     const QString appPath = Startup::appPath(arguments, executableDir);
     const QString databasePath = appPath + QLatin1String("/tb2.mdb");

@@ -5,10 +5,9 @@
 #include "app/frmFind.h"
 #include "app/texts.h"
 #include "db/ItemSql.h"
+#include "ftp/UploadCommandUi.h"
 #include "listing/ListingGenerator.h"
 #include "listing/frmAdStudio.h"
-#include "ftp/UploadCommandUi.h"
-#include "settings/frmOptions.h"
 #include "platform/DateText.h"
 #include "platform/KeyFilter.h"
 #include "platform/Prompts.h"
@@ -16,6 +15,7 @@
 #include "platform/Shell.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
+#include "settings/frmOptions.h"
 #include "ui_frmItems.h"
 
 #include <QApplication>
@@ -117,9 +117,9 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
         mnuLinks[i] = findChild<QAction*>(QStringLiteral("mnuLinks_%1").arg(i));
 
     // Commands whose work is not part of this build stay present but disabled.
-    for (QAction* a : {ui->mnuStart,
-                       ui->mnuEbayList, ui->mnuAllOpenRep, ui->mnuEnding, ui->mnuCleanup,
-                       ui->mnuActionsReports, ui->mnuToolsCalculator, ui->mnu_Calendar})
+    for (QAction* a :
+         {ui->mnuStart, ui->mnuEbayList, ui->mnuAllOpenRep, ui->mnuEnding, ui->mnuCleanup,
+          ui->mnuActionsReports, ui->mnuToolsCalculator, ui->mnu_Calendar})
         m_available.insert(a, false);
 
     buildToolbar();
@@ -148,12 +148,12 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
         return ok && value > 0 ? int(value / Startup::kTwipsPerPixel) : fallback;
     };
     const int height = twips(QStringLiteral("MainFormHeight"), this->height());
-    const int width = int(
-        m_ctx.store
-            .get(Settings::kApp, Settings::kOptions, QStringLiteral("MainFormWidth"),
-                 QString::number(rule.defaultWidthTwips))
-            .toDouble() /
-        Startup::kTwipsPerPixel);
+    const int width =
+        int(m_ctx.store
+                .get(Settings::kApp, Settings::kOptions, QStringLiteral("MainFormWidth"),
+                     QString::number(rule.defaultWidthTwips))
+                .toDouble() /
+            Startup::kTwipsPerPixel);
     resize(std::max(width, 200), std::max(height, 200));
     if (rule.hideViewButtons)
         for (const char* key : {"All", "Open", "Closed", "Find"})
@@ -193,8 +193,9 @@ void frmItems::buildToolbar()
     for (const ToolDef& t : kTools) {
         const QString key = QString::fromLatin1(t.key);
         auto* menu = findChild<QAction*>(QString::fromLatin1(t.menu));
-        auto* button = new QAction(QIcon(QStringLiteral(":/icons/%1.png").arg(QLatin1String(t.image))),
-                                   menu->text(), this);
+        auto* button =
+            new QAction(QIcon(QStringLiteral(":/icons/%1.png").arg(QLatin1String(t.image))),
+                        menu->text(), this);
         button->setObjectName(QLatin1String("Toolbar1_") + key);
         button->setData(key);
         button->setToolTip(QString::fromLatin1(t.tip));
@@ -217,9 +218,9 @@ void frmItems::buildToolbar()
 void frmItems::bindFields()
 {
     static const char* const columns[] = {
-        "ID",     "EbayID", "Category", "ShortDescription",   "Description",
-        "Picture1Path", "Picture2Path", "Picture3Path", "Reserve", "MinBid",
-        "Cost",   "LastPrice", "DateAuctionStarted", "DateAuctionEnds", "LastChecked"};
+        "ID",           "EbayID",       "Category",           "ShortDescription", "Description",
+        "Picture1Path", "Picture2Path", "Picture3Path",       "Reserve",          "MinBid",
+        "Cost",         "LastPrice",    "DateAuctionStarted", "DateAuctionEnds",  "LastChecked"};
     for (int i = 0; i < 15; ++i)
         m_binder.bind(txtFields[i], QString::fromLatin1(columns[i]));
     m_binder.bind(ui->chkActive, QStringLiteral("Active"));
@@ -347,13 +348,11 @@ void frmItems::openView(View view)
         QString source;
         QString saved;
     };
-    const ViewDef def = view == View::All      ? ViewDef{Texts::kCaptionAll, ItemSql::kAllView,
-                                                         QStringLiteral("All")}
-                        : view == View::Active ? ViewDef{Texts::kCaptionActive,
-                                                         ItemSql::kActiveView, QStringLiteral("Open")}
-                                               : ViewDef{Texts::kCaptionInactive,
-                                                         ItemSql::kInactiveView,
-                                                         QStringLiteral("Closed")};
+    const ViewDef def =
+        view == View::All ? ViewDef{Texts::kCaptionAll, ItemSql::kAllView, QStringLiteral("All")}
+        : view == View::Active
+            ? ViewDef{Texts::kCaptionActive, ItemSql::kActiveView, QStringLiteral("Open")}
+            : ViewDef{Texts::kCaptionInactive, ItemSql::kInactiveView, QStringLiteral("Closed")};
     ui->mnuAll->setChecked(view == View::All);
     ui->mnuOpen->setChecked(view == View::Active);
     ui->mnuClosed->setChecked(view == View::Inactive);
@@ -470,8 +469,7 @@ void frmItems::onReposition()
     setCommand(QStringLiteral("Ended"), ui->mnuEnding, hasEbayId);
     setCommand(QStringLiteral("EList"), ui->mnuEbayList, hasEbayId);
     const bool hasPictures = !fieldText(5).trimmed().isEmpty() ||
-                             !fieldText(6).trimmed().isEmpty() ||
-                             !fieldText(7).trimmed().isEmpty();
+                             !fieldText(6).trimmed().isEmpty() || !fieldText(7).trimmed().isEmpty();
     setCommand(QStringLiteral("Upload"), ui->mnuUpload, hasPictures);
     setCommand(QStringLiteral("PList"), ui->mnuListing,
                !(fieldText(3).isEmpty() && fieldText(4).isEmpty()));

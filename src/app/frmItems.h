@@ -26,7 +26,13 @@ class frmItems : public QMainWindow
 {
     Q_OBJECT
 public:
-    enum class View { None, All, Active, Inactive };
+    enum class View
+    {
+        None,
+        All,
+        Active,
+        Inactive
+    };
 
     // screenPixels decides the default width and whether the view buttons fit.
     frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent = nullptr);

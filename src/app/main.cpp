@@ -9,10 +9,10 @@
 #include "platform/TimeZone.h"
 
 #include <QApplication>
-#include <QTextStream>
-#include <algorithm>
 #include <QIcon>
 #include <QScreen>
+#include <QTextStream>
+#include <algorithm>
 #include <cstdio>
 
 namespace {

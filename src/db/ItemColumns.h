@@ -5,7 +5,15 @@
 
 // What each column of Items holds, so values can be carried between the boxes' text and the
 // stored form (money in ten-thousandths, dates as ISO text, Yes/No as 1/0).
-enum class ColumnKind { Id, Text, Money, DateTime, Date, YesNo };
+enum class ColumnKind
+{
+    Id,
+    Text,
+    Money,
+    DateTime,
+    Date,
+    YesNo
+};
 
 namespace ItemColumns {
 

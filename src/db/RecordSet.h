@@ -11,7 +11,8 @@
 class RecordSet;
 
 // What the record set is asked to do; the validate hook sees it before the record is left.
-enum class DataAction {
+enum class DataAction
+{
     MoveFirst,
     MovePrevious,
     MoveNext,
@@ -42,7 +43,12 @@ class RecordSet : public QObject
 {
     Q_OBJECT
 public:
-    enum class FindResult { Found, NoMatch, Invalid };
+    enum class FindResult
+    {
+        Found,
+        NoMatch,
+        Invalid
+    };
 
     explicit RecordSet(QSqlDatabase database, QObject* parent = nullptr);
 

@@ -63,7 +63,7 @@ QDateTime fromDisplay(const QString& input, const QLocale& locale)
             return dt.date().year() < 1930 ? dt.addYears(100) : dt;
     }
     static const char* const fallbacks[] = {
-        "M/d/yyyy H:mm:ss", "M/d/yyyy h:mm:ss AP", "M/d/yyyy H:mm", "M/d/yyyy h:mm AP",
+        "M/d/yyyy H:mm:ss", "M/d/yyyy h:mm:ss AP", "M/d/yyyy H:mm",       "M/d/yyyy h:mm AP",
         "M/d/yyyy",         "yyyy-MM-dd HH:mm:ss", "yyyy-MM-ddTHH:mm:ss", "yyyy-MM-dd"};
     for (const char* f : fallbacks) {
         const QDateTime dt = QDateTime::fromString(text, QString::fromLatin1(f));

@@ -19,10 +19,9 @@ QString quoted(const QString& text)
 
 std::optional<QString> dateLiteral(const QString& body)
 {
-    static const char* const formats[] = {"M/d/yyyy H:mm:ss", "M/d/yyyy h:mm:ss AP",
-                                          "M/d/yyyy H:mm",    "M/d/yyyy h:mm AP",
-                                          "M/d/yyyy",         "yyyy-MM-dd",
-                                          "yyyy-MM-dd HH:mm:ss"};
+    static const char* const formats[] = {
+        "M/d/yyyy H:mm:ss", "M/d/yyyy h:mm:ss AP", "M/d/yyyy H:mm",      "M/d/yyyy h:mm AP",
+        "M/d/yyyy",         "yyyy-MM-dd",          "yyyy-MM-dd HH:mm:ss"};
     const QString t = body.trimmed();
     for (const char* f : formats) {
         const QDateTime dt = QDateTime::fromString(t, QString::fromLatin1(f));
@@ -104,8 +103,15 @@ namespace {
 
 struct PatternItem
 {
-    enum Kind { Any, One, Digit, Literal, Set } kind;
-    QString chars;       // Literal: the character; Set: single characters
+    enum Kind
+    {
+        Any,
+        One,
+        Digit,
+        Literal,
+        Set
+    } kind;
+    QString chars; // Literal: the character; Set: single characters
     QList<QPair<QChar, QChar>> ranges;
     bool negated = false;
 };
@@ -132,7 +138,8 @@ QList<PatternItem> compile(const QString& pattern)
             }
             for (; k < end; ++k) {
                 if (k + 2 < end && pattern.at(k + 1) == u'-') {
-                    set.ranges.append({pattern.at(k).toCaseFolded(), pattern.at(k + 2).toCaseFolded()});
+                    set.ranges.append(
+                        {pattern.at(k).toCaseFolded(), pattern.at(k + 2).toCaseFolded()});
                     k += 2;
                 } else {
                     set.chars += pattern.at(k).toCaseFolded();
@@ -150,16 +157,20 @@ QList<PatternItem> compile(const QString& pattern)
 bool matchesOne(const PatternItem& item, QChar c)
 {
     switch (item.kind) {
-    case PatternItem::One: return true;
-    case PatternItem::Digit: return c.isDigit();
-    case PatternItem::Literal: return item.chars.at(0) == c;
+    case PatternItem::One:
+        return true;
+    case PatternItem::Digit:
+        return c.isDigit();
+    case PatternItem::Literal:
+        return item.chars.at(0) == c;
     case PatternItem::Set: {
         bool in = item.chars.contains(c);
         for (const auto& r : item.ranges)
             in = in || (c >= r.first && c <= r.second);
         return in != item.negated;
     }
-    case PatternItem::Any: break;
+    case PatternItem::Any:
+        break;
     }
     return false;
 }

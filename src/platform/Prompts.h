@@ -8,9 +8,30 @@
 // The title a message box gets when its caller names none (the application's own title).
 inline const QString kDefaultTitle = QStringLiteral("Tallybid");
 
-enum class PromptIcon { None, Information, Exclamation, Critical, Question };
-enum class PromptButtons { Ok, OkCancel, YesNo, YesNoCancel, RetryCancel };
-enum class PromptAnswer { Ok, Cancel, Yes, No, Retry };
+enum class PromptIcon
+{
+    None,
+    Information,
+    Exclamation,
+    Critical,
+    Question
+};
+enum class PromptButtons
+{
+    Ok,
+    OkCancel,
+    YesNo,
+    YesNoCancel,
+    RetryCancel
+};
+enum class PromptAnswer
+{
+    Ok,
+    Cancel,
+    Yes,
+    No,
+    Retry
+};
 
 // Every question the program asks the user goes through this seam, so windows can be driven
 // headless: production shows real dialogs, tests answer from a script and read back what was shown.
@@ -34,5 +55,6 @@ public:
     virtual std::optional<QColor> color(const QColor& initial) = 0;
 };
 
-// "Images (*.gif; *.jpg)|*.gif; *.jpg;|All Files (*.*)|*.*" -> "Images (*.gif; *.jpg) (*.gif *.jpg);;..."
+// "Images (*.gif; *.jpg)|*.gif; *.jpg;|All Files (*.*)|*.*" -> "Images (*.gif; *.jpg) (*.gif
+// *.jpg);;..."
 QString qtFileFilter(const QString& pipeFilter);

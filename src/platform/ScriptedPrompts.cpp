@@ -60,8 +60,7 @@ std::optional<QString> ScriptedPrompts::input(const QString& prompt, const QStri
 QString ScriptedPrompts::openFileName(const QString& title, const QString& startDir,
                                       const QString& filter)
 {
-    const auto answer =
-        take({QStringLiteral("open"), filter, title, {}, {}, startDir});
+    const auto answer = take({QStringLiteral("open"), filter, title, {}, {}, startDir});
     if (!answer) {
         m_unexpected << title;
         return {};
@@ -72,8 +71,7 @@ QString ScriptedPrompts::openFileName(const QString& title, const QString& start
 QString ScriptedPrompts::saveFileName(const QString& title, const QString& startDir,
                                       const QString& filter)
 {
-    const auto answer =
-        take({QStringLiteral("save"), filter, title, {}, {}, startDir});
+    const auto answer = take({QStringLiteral("save"), filter, title, {}, {}, startDir});
     if (!answer) {
         m_unexpected << title;
         return {};

@@ -141,8 +141,8 @@ bool SettingsStore::write(const QString& application, const File& file) const
     return out.commit();
 }
 
-QString SettingsStore::get(const QString& application, const QString& section,
-                           const QString& key, const QString& defaultValue) const
+QString SettingsStore::get(const QString& application, const QString& section, const QString& key,
+                           const QString& defaultValue) const
 {
     for (const Section& s : load(application).sections)
         if (sameName(s.name, section))
@@ -218,14 +218,14 @@ bool SettingsStore::toBool(const QString& text, bool defaultValue)
     return ok ? n != 0 : defaultValue;
 }
 
-bool SettingsStore::getBool(const QString& application, const QString& section,
-                            const QString& key, bool defaultValue) const
+bool SettingsStore::getBool(const QString& application, const QString& section, const QString& key,
+                            bool defaultValue) const
 {
     return toBool(get(application, section, key, boolText(defaultValue)), defaultValue);
 }
 
-bool SettingsStore::saveBool(const QString& application, const QString& section,
-                             const QString& key, bool value)
+bool SettingsStore::saveBool(const QString& application, const QString& section, const QString& key,
+                             bool value)
 {
     return save(application, section, key, boolText(value));
 }

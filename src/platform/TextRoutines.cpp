@@ -59,11 +59,20 @@ QString HtmlEscape(const QString& text)
     out.reserve(text.size() + text.size() / 8);
     for (const QChar c : text) {
         switch (c.unicode()) {
-        case '<': out += QLatin1String("&lt;"); break;
-        case '>': out += QLatin1String("&gt;"); break;
-        case '"': out += QLatin1String("&quot;"); break;
-        case '\'': out += QLatin1String("&#39;"); break;
-        default: out += c;
+        case '<':
+            out += QLatin1String("&lt;");
+            break;
+        case '>':
+            out += QLatin1String("&gt;");
+            break;
+        case '"':
+            out += QLatin1String("&quot;");
+            break;
+        case '\'':
+            out += QLatin1String("&#39;");
+            break;
+        default:
+            out += c;
         }
     }
     return out;
@@ -74,12 +83,23 @@ QString ColorToHtml(qint64 color)
     // A colour is a 32-bit long: negative (system) colours give eight digits, never a sign.
     QString hex = QString::number(quint32(color), 16).toUpper();
     switch (hex.size()) {
-    case 1: hex.prepend(QLatin1String("000000")); break;
-    case 2: hex.prepend(QLatin1String("0000")); break;
-    case 3: hex.prepend(QLatin1String("000")); break;
-    case 4: hex.prepend(QLatin1String("00")); break;
-    case 5: hex.prepend(QLatin1String("0")); break;
-    default: break;
+    case 1:
+        hex.prepend(QLatin1String("000000"));
+        break;
+    case 2:
+        hex.prepend(QLatin1String("0000"));
+        break;
+    case 3:
+        hex.prepend(QLatin1String("000"));
+        break;
+    case 4:
+        hex.prepend(QLatin1String("00"));
+        break;
+    case 5:
+        hex.prepend(QLatin1String("0"));
+        break;
+    default:
+        break;
     }
     return hex.mid(4, 2) + hex.mid(2, 2) + hex.mid(0, 2);
 }

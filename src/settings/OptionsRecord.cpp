@@ -10,8 +10,9 @@ OptionsRecord OptionsRecord::load(const SettingsStore& store)
     };
     const auto flag = [&](const char* key) {
         const QString k = QString::fromLatin1(key);
-        return SettingsStore::toBool(readSetting(store, Settings::kOptions, k),
-                                     SettingsStore::toBool(settingDefault(Settings::kOptions, k), false));
+        return SettingsStore::toBool(
+            readSetting(store, Settings::kOptions, k),
+            SettingsStore::toBool(settingDefault(Settings::kOptions, k), false));
     };
     const auto number = [&](const QString& key) {
         return readSetting(store, Settings::kOptions, key).trimmed().toInt();
@@ -50,7 +51,8 @@ OptionsRecord OptionsRecord::load(const SettingsStore& store)
     r.closing = text("Closing");
     r.signature = text("Signature");
     for (int k = 0; k < 4; ++k)
-        r.sendAddress[k] = readSetting(store, Settings::kOptions, QStringLiteral("SendAddress%1").arg(k));
+        r.sendAddress[k] =
+            readSetting(store, Settings::kOptions, QStringLiteral("SendAddress%1").arg(k));
 
     r.listingBgColor = text("ListingBgColor");
     r.listingTextColor = text("ListingTextColor");

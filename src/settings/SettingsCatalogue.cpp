@@ -37,13 +37,16 @@ QList<SettingDef> buildCatalogue()
         // e-mail notes
         {o, QStringLiteral("SendFrom"), T::Text, {}},
         {o, QStringLiteral("DefaultCC"), T::Text, {}},
-        {o, QStringLiteral("PayMsg"), T::Text, QStringLiteral("Please send check or money order to:")},
-        {o, QStringLiteral("RecdMsg"), T::Text, QStringLiteral("We will ship as soon as payment clears.")},
+        {o, QStringLiteral("PayMsg"), T::Text,
+         QStringLiteral("Please send check or money order to:")},
+        {o, QStringLiteral("RecdMsg"), T::Text,
+         QStringLiteral("We will ship as soon as payment clears.")},
         {o, QStringLiteral("SendAddress0"), T::Text, {}},
         {o, QStringLiteral("SendAddress1"), T::Text, {}},
         {o, QStringLiteral("SendAddress2"), T::Text, {}},
         {o, QStringLiteral("SendAddress3"), T::Text, {}},
-        {o, QStringLiteral("Closing"), T::Text, QStringLiteral("It's been a pleasure doing business with you.")},
+        {o, QStringLiteral("Closing"), T::Text,
+         QStringLiteral("It's been a pleasure doing business with you.")},
         {o, QStringLiteral("Signature"), T::Text, {}},
         // listing appearance
         {o, QStringLiteral("ListingBgColor"), T::Text, QStringLiteral("lightblue")},
@@ -62,12 +65,17 @@ QList<SettingDef> buildCatalogue()
          QStringLiteral("Please check out the other auctions we currently have running on eBay.")},
         {o, QStringLiteral("Reserve"), T::Integer, QStringLiteral("1")},
         // eBay page locations and web behaviour
-        {o, QStringLiteral("EbayStartPage"), T::Text, h + QLatin1String("/aw-cgi/eBayISAPI.dll?ListItemForSale")},
-        {o, QStringLiteral("EbayLeaveFeedback"), T::Text, h + QLatin1String("/aw-cgi/eBayISAPI.dll?LeaveFeedbackShow")},
-        {o, QStringLiteral("EbayViewFeedback"), T::Text, h + QLatin1String("/aw-cgi/eBayISAPI.dll?ViewFeedback&userid=")},
+        {o, QStringLiteral("EbayStartPage"), T::Text,
+         h + QLatin1String("/aw-cgi/eBayISAPI.dll?ListItemForSale")},
+        {o, QStringLiteral("EbayLeaveFeedback"), T::Text,
+         h + QLatin1String("/aw-cgi/eBayISAPI.dll?LeaveFeedbackShow")},
+        {o, QStringLiteral("EbayViewFeedback"), T::Text,
+         h + QLatin1String("/aw-cgi/eBayISAPI.dll?ViewFeedback&userid=")},
         {o, QStringLiteral("EbaySellerReport"), T::Text,
-         h + QLatin1String("/aw-cgi/eBayISAPI.dll?MfcISAPICommand=ViewListedItemsWithEmails&rows=0&userid=")},
-        {o, QStringLiteral("EbayListing"), T::Text, h + QLatin1String("/aw-cgi/eBayISAPI.dll?ViewItem&item=")},
+         h + QLatin1String(
+                 "/aw-cgi/eBayISAPI.dll?MfcISAPICommand=ViewListedItemsWithEmails&rows=0&userid=")},
+        {o, QStringLiteral("EbayListing"), T::Text,
+         h + QLatin1String("/aw-cgi/eBayISAPI.dll?ViewItem&item=")},
         {o, QStringLiteral("HomePage"), T::Text, DefaultAddress::kHomePage},
         {o, QStringLiteral("PastDays"), T::Integer, QStringLiteral("1")},
         {o, QStringLiteral("ShowPast"), T::Boolean, QStringLiteral("False")},
@@ -82,7 +90,10 @@ QList<SettingDef> buildCatalogue()
         {o, QStringLiteral("MainFormWidth"), T::Single, QStringLiteral("11800")},
         {o, QStringLiteral("Toolbar"), T::Boolean, QStringLiteral("True")},
         {o, QStringLiteral("Statusbar"), T::Boolean, QStringLiteral("True")},
-        {o, QStringLiteral("ListDirLocation"), T::Text, {}}, // the application folder, filled at use
+        {o,
+         QStringLiteral("ListDirLocation"),
+         T::Text,
+         {}}, // the application folder, filled at use
         {o, QStringLiteral("ImageDirLocation"), T::Text, {}},
         {o, QStringLiteral("EraseHDImgs"), T::Integer, QStringLiteral("1")},
         {o, QStringLiteral("EraseWebImgs"), T::Integer, QStringLiteral("1")},
@@ -137,7 +148,8 @@ const QList<DefaultLink>& defaultLinks()
     static const QList<DefaultLink> links = {
         {QStringLiteral("USPS Tracking"), QStringLiteral("http://www.usps.com/cttgate/")},
         {QStringLiteral("FedEx Tracking"), QStringLiteral("http://www.fedex.com/us/tracking/")},
-        {QStringLiteral("UPS Tracking"), QStringLiteral("http://www.ups.com/tracking/tracking.html")},
+        {QStringLiteral("UPS Tracking"),
+         QStringLiteral("http://www.ups.com/tracking/tracking.html")},
     };
     return links;
 }
@@ -165,8 +177,7 @@ void migrateSettings(SettingsStore& store)
 
     const QString viewingDir = readSetting(store, o, QStringLiteral("ViewingDir"));
     if (!viewingDir.isEmpty()) {
-        QString imageLoc =
-            readSetting(store, o, QStringLiteral("ImageLoc")) + u'/' + viewingDir;
+        QString imageLoc = readSetting(store, o, QStringLiteral("ImageLoc")) + u'/' + viewingDir;
         if (!imageLoc.isEmpty() && !imageLoc.endsWith(u'/'))
             imageLoc += u'/';
         store.save(Settings::kApp, o, QStringLiteral("ImageLoc"), imageLoc);

@@ -14,7 +14,13 @@ inline const QString kSystem = QStringLiteral("System");
 inline const QString kSystemData = QStringLiteral("SystemData");
 } // namespace Settings
 
-enum class SettingType { Text, Boolean, Integer, Single };
+enum class SettingType
+{
+    Text,
+    Boolean,
+    Integer,
+    Single
+};
 
 // One stored preference: where it lives, what it holds and what a reader gets when it was
 // never written.

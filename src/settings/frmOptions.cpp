@@ -307,7 +307,9 @@ bool frmOptions::applySettings()
     const QString& o = Settings::kOptions;
     // Every value goes into one rewrite of the settings file.
     QList<std::pair<QString, QString>> values;
-    const auto save = [&](const QString& key, const QString& value) { values.append({key, value}); };
+    const auto save = [&](const QString& key, const QString& value) {
+        values.append({key, value});
+    };
 
     for (const TextField& field : std::as_const(m_textFields))
         save(field.key, field.edit->text());

@@ -6,9 +6,9 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QLineEdit>
 #include <QtTest>
 #include <memory>
 
@@ -29,7 +29,10 @@ struct ItemWindow
             qFatal("no control %s", qPrintable(name));
         return w;
     }
-    QLineEdit* field(int index) const { return child<QLineEdit>(QStringLiteral("txtFields_%1").arg(index)); }
+    QLineEdit* field(int index) const
+    {
+        return child<QLineEdit>(QStringLiteral("txtFields_%1").arg(index));
+    }
     QString current() const { return child<QLineEdit>(QStringLiteral("txtCurItem"))->text(); }
     QString total() const { return child<QLineEdit>(QStringLiteral("txtTotItem"))->text(); }
     QAction* menu(const QString& name) const { return child<QAction>(name); }
@@ -38,8 +41,9 @@ struct ItemWindow
     QString navigation() const
     {
         QString out;
-        const QStringList keys{QStringLiteral("First"), QStringLiteral("Prev"), QStringLiteral("Next"),
-                               QStringLiteral("Last"), QStringLiteral("Del")};
+        const QStringList keys{QStringLiteral("First"), QStringLiteral("Prev"),
+                               QStringLiteral("Next"), QStringLiteral("Last"),
+                               QStringLiteral("Del")};
         const QStringList menus{QStringLiteral("mnuFirst"), QStringLiteral("mnuPrevious"),
                                 QStringLiteral("mnuNext"), QStringLiteral("mnuLast"),
                                 QStringLiteral("mnuDelete")};

@@ -34,7 +34,8 @@ void textSearch(ItemWindow& w, const QString& box, const QString& text, bool fro
             QTest::keyClicks(target, text);
         else
             target->insert(text);
-        d.findChild<QRadioButton*>(fromFirst ? QStringLiteral("optFromBeg") : QStringLiteral("optCurrent"))
+        d.findChild<QRadioButton*>(fromFirst ? QStringLiteral("optFromBeg")
+                                             : QStringLiteral("optCurrent"))
             ->setChecked(true);
         click(d, "cmdTextFind");
     });
@@ -109,13 +110,27 @@ void TestFind::textSearch_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("title"); // the item shown afterwards; the search starts on item 2
     QTest::addColumn<bool>("reported");
-    QTest::newRow("anywhere, any case") << "txtDescription" << "beanie" << "Bean bag" << false;
-    QTest::newRow("non-ASCII without case") << "txtDescription" << "äPFEL" << "Äpfel crate" << false;
-    QTest::newRow("exact e-mail only: no match") << "txtBuyerEmail" << "cy@aol.com" << "Bean bag" << false;
-    QTest::newRow("e-mail with wildcard") << "txtBuyerEmail" << "*aol.com.au" << "Äpfel crate" << false;
-    QTest::newRow("eBay number pattern") << "txtEbayId" << "2*" << "Lamp" << false;
-    QTest::newRow("quote inside the double-quoted description") << "txtDescription" << "O'Neil" << "Bean bag" << false;
-    QTest::newRow("stray quote is reported") << "txtBuyerName" << "Cy O'Neil" << "Bean bag" << true;
+    QTest::newRow("anywhere, any case") << "txtDescription"
+                                        << "beanie"
+                                        << "Bean bag" << false;
+    QTest::newRow("non-ASCII without case") << "txtDescription"
+                                            << "äPFEL"
+                                            << "Äpfel crate" << false;
+    QTest::newRow("exact e-mail only: no match") << "txtBuyerEmail"
+                                                 << "cy@aol.com"
+                                                 << "Bean bag" << false;
+    QTest::newRow("e-mail with wildcard") << "txtBuyerEmail"
+                                          << "*aol.com.au"
+                                          << "Äpfel crate" << false;
+    QTest::newRow("eBay number pattern") << "txtEbayId"
+                                         << "2*"
+                                         << "Lamp" << false;
+    QTest::newRow("quote inside the double-quoted description") << "txtDescription"
+                                                                << "O'Neil"
+                                                                << "Bean bag" << false;
+    QTest::newRow("stray quote is reported") << "txtBuyerName"
+                                             << "Cy O'Neil"
+                                             << "Bean bag" << true;
 }
 
 void TestFind::textSearch()
@@ -132,7 +147,8 @@ void TestFind::textSearch()
     QCOMPARE(env.prompts().shown().size(), reported ? 1 : 0);
     if (reported) {
         QCOMPARE(env.prompts().shown().first().title, Texts::kFindFailedTitle);
-        QVERIFY(env.prompts().shown().first().text.startsWith(QLatin1String("The search could not be run")));
+        QVERIFY(env.prompts().shown().first().text.startsWith(
+            QLatin1String("The search could not be run")));
     }
     QCOMPARE(env.itemCount(), 5);
 }

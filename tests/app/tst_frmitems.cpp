@@ -1,7 +1,7 @@
 // The item window as a user meets it: views, counters, moves, enabling, what it remembers
 // across a restart, the links menu, start-up refusals and how it looks.
-#include "ItemWindowFixture.h"
 #include "../support/LayoutCheck.h"
+#include "ItemWindowFixture.h"
 
 #include "app/Launcher.h"
 #include "app/texts.h"
@@ -44,13 +44,20 @@ void TestItemWindow::views_data()
     QTest::addColumn<QString>("counters");
     QTest::addColumn<QString>("navigation"); // First Prev Next Last Del
     QTest::addColumn<int>("rows");
-    QTest::newRow("empty All adds an item") << 0 << "mnuAll" << Texts::kCaptionAll << "1/1" << "00000" << 1;
-    QTest::newRow("empty Active") << 0 << "mnuOpen" << Texts::kCaptionActive << "0/0" << "00000" << 0;
-    QTest::newRow("empty Inactive") << 0 << "mnuClosed" << Texts::kCaptionInactive << "0/0" << "00000" << 0;
-    QTest::newRow("All") << 30 << "mnuAll" << Texts::kCaptionAll << "1/30" << "10111" << 30;
-    QTest::newRow("Active") << 30 << "mnuOpen" << Texts::kCaptionActive << "1/20" << "10111" << 30;
-    QTest::newRow("Inactive") << 30 << "mnuClosed" << Texts::kCaptionInactive << "1/10" << "10111" << 30;
-    QTest::newRow("one item") << 1 << "mnuAll" << Texts::kCaptionAll << "1/1" << "00000" << 1;
+    QTest::newRow("empty All adds an item") << 0 << "mnuAll" << Texts::kCaptionAll << "1/1"
+                                            << "00000" << 1;
+    QTest::newRow("empty Active") << 0 << "mnuOpen" << Texts::kCaptionActive << "0/0"
+                                  << "00000" << 0;
+    QTest::newRow("empty Inactive") << 0 << "mnuClosed" << Texts::kCaptionInactive << "0/0"
+                                    << "00000" << 0;
+    QTest::newRow("All") << 30 << "mnuAll" << Texts::kCaptionAll << "1/30"
+                         << "10111" << 30;
+    QTest::newRow("Active") << 30 << "mnuOpen" << Texts::kCaptionActive << "1/20"
+                            << "10111" << 30;
+    QTest::newRow("Inactive") << 30 << "mnuClosed" << Texts::kCaptionInactive << "1/10"
+                              << "10111" << 30;
+    QTest::newRow("one item") << 1 << "mnuAll" << Texts::kCaptionAll << "1/1"
+                              << "00000" << 1;
 }
 
 void TestItemWindow::views()
@@ -69,7 +76,8 @@ void TestItemWindow::views()
     QTEST(env.itemCount(), "rows");
     for (const char* m : {"mnuAll", "mnuOpen", "mnuClosed"})
         QCOMPARE(w.menu(QString::fromLatin1(m))->isChecked(), command == QLatin1String(m));
-    const QStringList saved{QStringLiteral("All"), QStringLiteral("Open"), QStringLiteral("Closed")};
+    const QStringList saved{QStringLiteral("All"), QStringLiteral("Open"),
+                            QStringLiteral("Closed")};
     QCOMPARE(viewed(env), saved.at(QStringList{"mnuAll", "mnuOpen", "mnuClosed"}.indexOf(command)));
     if (items == 30 && command == QLatin1String("mnuClosed"))
         QCOMPARE(w.field(3)->text(), QStringLiteral("Item 3"));
@@ -102,10 +110,14 @@ void TestItemWindow::lengthFromDates_data()
 {
     QTest::addColumn<QString>("ends");
     QTest::addColumn<QString>("length");
-    QTest::newRow("7 days") << "1999-06-08 10:00:00" << "7";
-    QTest::newRow("14 days shows 7") << "1999-06-15 10:00:00" << "7";
-    QTest::newRow("2 days shows 7") << "1999-06-03 10:00:00" << "7";
-    QTest::newRow("4 days shown as it is") << "1999-06-05 09:00:00" << "4";
+    QTest::newRow("7 days") << "1999-06-08 10:00:00"
+                            << "7";
+    QTest::newRow("14 days shows 7") << "1999-06-15 10:00:00"
+                                     << "7";
+    QTest::newRow("2 days shows 7") << "1999-06-03 10:00:00"
+                                    << "7";
+    QTest::newRow("4 days shown as it is") << "1999-06-05 09:00:00"
+                                           << "4";
 }
 
 void TestItemWindow::lengthFromDates()
@@ -136,7 +148,8 @@ void TestItemWindow::restartRemembersViewBarsAndSize()
     };
     // written as "ToolBar", read back as "Toolbar"; the size in twips
     QCOMPARE(option("Toolbar"), QStringLiteral("False"));
-    QCOMPARE(option("MainFormWidth") + u' ' + option("MainFormHeight"), QStringLiteral("13500 9600"));
+    QCOMPARE(option("MainFormWidth") + u' ' + option("MainFormHeight"),
+             QStringLiteral("13500 9600"));
     ItemWindow again(env);
     QCOMPARE(again->currentView(), frmItems::View::Inactive);
     QCOMPARE(again.total(), QStringLiteral("2"));

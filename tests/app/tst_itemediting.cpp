@@ -41,14 +41,22 @@ void TestItemEditing::typing_data()
     QTest::addColumn<QString>("shown");
     QTest::addColumn<int>("beeps");
     QTest::addColumn<bool>("warned");
-    QTest::newRow("eBay number digits") << 1 << "123456" << "123456" << 0 << false;
-    QTest::newRow("a letter empties the whole eBay number") << 1 << "1234x" << "" << 0 << true;
-    QTest::newRow("typing goes on in the emptied box") << 1 << "12.5" << "5" << 0 << true;
-    QTest::newRow("min bid 12.5") << 9 << "12.5" << "12.5" << 0 << false;
-    QTest::newRow("dollar sign refused") << 9 << "$7" << "7" << 1 << false;
-    QTest::newRow("reserve letters refused") << 8 << "1a2b" << "12" << 2 << false;
-    QTest::newRow("cost comma refused") << 10 << "1,000" << "1000" << 1 << false;
-    QTest::newRow("emptied cost shows 0") << 10 << "<BS>" << "0" << 0 << false;
+    QTest::newRow("eBay number digits") << 1 << "123456"
+                                        << "123456" << 0 << false;
+    QTest::newRow("a letter empties the whole eBay number") << 1 << "1234x"
+                                                            << "" << 0 << true;
+    QTest::newRow("typing goes on in the emptied box") << 1 << "12.5"
+                                                       << "5" << 0 << true;
+    QTest::newRow("min bid 12.5") << 9 << "12.5"
+                                  << "12.5" << 0 << false;
+    QTest::newRow("dollar sign refused") << 9 << "$7"
+                                         << "7" << 1 << false;
+    QTest::newRow("reserve letters refused") << 8 << "1a2b"
+                                             << "12" << 2 << false;
+    QTest::newRow("cost comma refused") << 10 << "1,000"
+                                        << "1000" << 1 << false;
+    QTest::newRow("emptied cost shows 0") << 10 << "<BS>"
+                                          << "0" << 0 << false;
 }
 
 void TestItemEditing::typing()
@@ -220,26 +228,30 @@ void TestItemEditing::deleteRules()
 void TestItemEditing::duplicateAuction()
 {
     TestEnvironment env;
-    const QVariantMap original{{QStringLiteral("EbayID"), QStringLiteral("987654")},
-                               {QStringLiteral("ShortDescription"), QStringLiteral("Lamp")},
-                               {QStringLiteral("Description"), QStringLiteral("Brass lamp")},
-                               {QStringLiteral("Picture2Path"), QStringLiteral("/tmp/none.gif")},
-                               {QStringLiteral("Reserve"), 200000},
-                               {QStringLiteral("MinBid"), 50000},
-                               {QStringLiteral("Cost"), 75000},
-                               {QStringLiteral("LastPrice"), 210000},
-                               {QStringLiteral("DateAuctionStarted"), QStringLiteral("2026-01-01 09:00:00")},
-                               {QStringLiteral("DateAuctionEnds"), QStringLiteral("2026-01-06 09:00:00")},
-                               {QStringLiteral("BuyerEmail"), QStringLiteral("b@example.com")}};
+    const QVariantMap original{
+        {QStringLiteral("EbayID"), QStringLiteral("987654")},
+        {QStringLiteral("ShortDescription"), QStringLiteral("Lamp")},
+        {QStringLiteral("Description"), QStringLiteral("Brass lamp")},
+        {QStringLiteral("Picture2Path"), QStringLiteral("/tmp/none.gif")},
+        {QStringLiteral("Reserve"), 200000},
+        {QStringLiteral("MinBid"), 50000},
+        {QStringLiteral("Cost"), 75000},
+        {QStringLiteral("LastPrice"), 210000},
+        {QStringLiteral("DateAuctionStarted"), QStringLiteral("2026-01-01 09:00:00")},
+        {QStringLiteral("DateAuctionEnds"), QStringLiteral("2026-01-06 09:00:00")},
+        {QStringLiteral("BuyerEmail"), QStringLiteral("b@example.com")}};
     const qint64 copy = env.addItems({original}).first() + 1;
     ItemWindow w(env);
     w.menu(QStringLiteral("mnuDupAuc"))->trigger();
     QCOMPARE(w.current() + u'/' + w.total(), QStringLiteral("2/2"));
     QCOMPARE(w.child<QComboBox>(QStringLiteral("comboLength"))->currentText(), QStringLiteral("5"));
     w->mnuFirst_Click(); // leaving the copy writes it
-    for (const char* kept : {"ShortDescription", "Description", "Picture2Path", "Reserve", "MinBid", "Cost"})
-        QCOMPARE(env.storedValue(copy, QString::fromLatin1(kept)), original.value(QString::fromLatin1(kept)));
-    for (const char* empty : {"EbayID", "LastPrice", "DateAuctionStarted", "DateAuctionEnds", "BuyerEmail"})
+    for (const char* kept :
+         {"ShortDescription", "Description", "Picture2Path", "Reserve", "MinBid", "Cost"})
+        QCOMPARE(env.storedValue(copy, QString::fromLatin1(kept)),
+                 original.value(QString::fromLatin1(kept)));
+    for (const char* empty :
+         {"EbayID", "LastPrice", "DateAuctionStarted", "DateAuctionEnds", "BuyerEmail"})
         QVERIFY2(env.storedValue(copy, QString::fromLatin1(empty)).isNull(), empty);
 }
 

@@ -47,21 +47,23 @@ void TestListingCommand::sameTextAsCommandLine()
 {
     TestEnvironment env;
     const QString resources = qEnvironmentVariable("TB_SOURCE_DIR") + QLatin1String("/resources");
-    QFile::copy(resources + QLatin1String("/standard.tbt"), env.path(QStringLiteral("standard.tbt")));
+    QFile::copy(resources + QLatin1String("/standard.tbt"),
+                env.path(QStringLiteral("standard.tbt")));
     for (const char* d : {"Backgr", "Images", "Sounds"})
         copyTree(resources + u'/' + QLatin1String(d), env.path(QString::fromLatin1(d)));
     QImage img(120, 90, QImage::Format_RGB32);
     img.fill(Qt::darkCyan);
     const QString picture = env.path(QStringLiteral("teapot.jpg"));
     img.save(picture);
-    env.store().save(QStringLiteral("Tallybid"), QStringLiteral("Options"), QStringLiteral("ImageLoc"),
-                     QStringLiteral("http://example.com/shop/"));
+    env.store().save(QStringLiteral("Tallybid"), QStringLiteral("Options"),
+                     QStringLiteral("ImageLoc"), QStringLiteral("http://example.com/shop/"));
     env.context().state.options = OptionsRecord::load(env.store());
-    const qint64 id = env.addItems({{{QStringLiteral("ShortDescription"), QStringLiteral("Teapot")},
-                                     {QStringLiteral("Description"), QStringLiteral("Bone china, 1930s.")},
-                                     {QStringLiteral("Picture1Path"), picture},
-                                     {QStringLiteral("Reserve"), 0}}})
-                          .first();
+    const qint64 id =
+        env.addItems({{{QStringLiteral("ShortDescription"), QStringLiteral("Teapot")},
+                       {QStringLiteral("Description"), QStringLiteral("Bone china, 1930s.")},
+                       {QStringLiteral("Picture1Path"), picture},
+                       {QStringLiteral("Reserve"), 0}}})
+            .first();
     ItemWindow w(env);
     QFETCH(QString, placement);
     QFETCH(bool, remote);
@@ -69,8 +71,7 @@ void TestListingCommand::sameTextAsCommandLine()
     w.child<QRadioButton>(remote ? QStringLiteral("optRemotely") : QStringLiteral("optLocally"))
         ->setChecked(true);
     w.menu(QStringLiteral("mnuListing"))->trigger();
-    QVERIFY2(env.prompts().shown().isEmpty(),
-             qPrintable(env.prompts().shown().value(0).text));
+    QVERIFY2(env.prompts().shown().isEmpty(), qPrintable(env.prompts().shown().value(0).text));
     QCOMPARE(env.shell().opened.size(), 1);
     QCOMPARE(env.shell().opened.first().target, listingFilePath(env.appPath()));
     QFile written(listingFilePath(env.appPath()));
@@ -83,8 +84,9 @@ void TestListingCommand::sameTextAsCommandLine()
     QFile::remove(listingFilePath(env.appPath()));
     QString out, err;
     QTextStream outStream(&out), errStream(&err);
-    QStringList args{QStringLiteral("--appdir"), env.appPath(), QStringLiteral("--listing"),
-                     QString::number(id), QStringLiteral("--placement"), placement,
+    QStringList args{QStringLiteral("--appdir"),    env.appPath(),
+                     QStringLiteral("--listing"),   QString::number(id),
+                     QStringLiteral("--placement"), placement,
                      QStringLiteral("--configdir"), env.store().folder()};
     if (remote)
         args << QStringLiteral("--remote");
@@ -98,9 +100,12 @@ void TestListingCommand::listingCommandEnabling_data()
     QTest::addColumn<QString>("title");
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("enabled");
-    QTest::newRow("only a description") << "" << "Blue" << true;
-    QTest::newRow("only a title") << "Vase" << "" << true;
-    QTest::newRow("neither") << "" << "" << false;
+    QTest::newRow("only a description") << ""
+                                        << "Blue" << true;
+    QTest::newRow("only a title") << "Vase"
+                                  << "" << true;
+    QTest::newRow("neither") << ""
+                             << "" << false;
 }
 
 void TestListingCommand::listingCommandEnabling()

@@ -23,12 +23,17 @@ void TestStartup::appPath_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("exeDir");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("program folder") << QStringList{QStringLiteral("tallybid")} << "/opt/tb" << "/opt/tb";
-    QTest::newRow("trailing slash dropped") << QStringList{} << "/opt/tb/" << "/opt/tb";
-    QTest::newRow("root keeps its slash") << QStringList{} << "/" << "/";
-    QTest::newRow("--appdir wins") << QStringList{QStringLiteral("--appdir"), QStringLiteral("/srv/shop/")}
-                                   << "/opt/tb" << "/srv/shop";
-    QTest::newRow("--appdir=") << QStringList{QStringLiteral("--appdir=/srv/x")} << "/opt/tb" << "/srv/x";
+    QTest::newRow("program folder") << QStringList{QStringLiteral("tallybid")} << "/opt/tb"
+                                    << "/opt/tb";
+    QTest::newRow("trailing slash dropped") << QStringList{} << "/opt/tb/"
+                                            << "/opt/tb";
+    QTest::newRow("root keeps its slash") << QStringList{} << "/"
+                                          << "/";
+    QTest::newRow("--appdir wins")
+        << QStringList{QStringLiteral("--appdir"), QStringLiteral("/srv/shop/")} << "/opt/tb"
+        << "/srv/shop";
+    QTest::newRow("--appdir=") << QStringList{QStringLiteral("--appdir=/srv/x")} << "/opt/tb"
+                               << "/srv/x";
 }
 
 void TestStartup::appPath()

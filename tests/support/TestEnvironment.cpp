@@ -98,8 +98,8 @@ PythonServer::PythonServer(const QString& script, const QStringList& arguments)
 {
     const QString python = qEnvironmentVariable("TB_PYTHON", QStringLiteral("/usr/bin/python3"));
     m_process->setProcessChannelMode(QProcess::SeparateChannels);
-    m_process->start(python, QStringList{QStringLiteral(TB_TEST_SUPPORT_DIR) + u'/' + script} +
-                                 arguments);
+    m_process->start(python,
+                     QStringList{QStringLiteral(TB_TEST_SUPPORT_DIR) + u'/' + script} + arguments);
     if (!m_process->waitForStarted(10000))
         return;
     if (!m_process->canReadLine())
