@@ -37,9 +37,7 @@ void TestListingCommand::sameTextAsCommandLine_data()
     QTest::addColumn<QString>("placement");
     QTest::addColumn<bool>("remote");
     QTest::addColumn<QString>("theme");
-    QTest::newRow("left, local, Default") << "Left" << false << "Default";
-    QTest::newRow("right, remote") << "Right" << true << "Default";
-    QTest::newRow("top, local") << "Top" << false << "Default";
+    QTest::newRow("left, local") << "Left" << false << "Default";
     QTest::newRow("bottom, remote") << "Bottom" << true << "Default";
 }
 

@@ -1,4 +1,4 @@
-// Start-up rules and the find requests, without windows.
+// The start-up failure texts and the find requests, without windows.
 #include "app/FindCriteria.h"
 #include "app/Startup.h"
 #include "app/texts.h"
@@ -10,39 +10,11 @@ class TestStartup : public QObject
 {
     Q_OBJECT
 private slots:
-    void appPath_data();
-    void appPath();
     void openFailureMessages_data();
     void openFailureMessages();
     void textSearch_data();
     void textSearch();
 };
-
-void TestStartup::appPath_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("exeDir");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("program folder") << QStringList{QStringLiteral("tallybid")} << "/opt/tb"
-                                    << "/opt/tb";
-    QTest::newRow("trailing slash dropped") << QStringList{} << "/opt/tb/"
-                                            << "/opt/tb";
-    QTest::newRow("root keeps its slash") << QStringList{} << "/"
-                                          << "/";
-    QTest::newRow("--appdir wins")
-        << QStringList{QStringLiteral("--appdir"), QStringLiteral("/srv/shop/")} << "/opt/tb"
-        << "/srv/shop";
-    QTest::newRow("--appdir=") << QStringList{QStringLiteral("--appdir=/srv/x")} << "/opt/tb"
-                               << "/srv/x";
-}
-
-void TestStartup::appPath()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, exeDir);
-    QFETCH(QString, expected);
-    QCOMPARE(Startup::appPath(arguments, exeDir), expected);
-}
 
 void TestStartup::openFailureMessages_data()
 {
