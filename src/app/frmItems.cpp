@@ -3,6 +3,7 @@
 #include "app/Module1.h"
 #include "app/Startup.h"
 #include "app/frmFind.h"
+#include "app/frmTools.h"
 #include "app/texts.h"
 #include "db/ItemSql.h"
 #include "ftp/UploadCommandUi.h"
@@ -117,9 +118,8 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
         mnuLinks[i] = findChild<QAction*>(QStringLiteral("mnuLinks_%1").arg(i));
 
     // Commands whose work is not part of this build stay present but disabled.
-    for (QAction* a :
-         {ui->mnuStart, ui->mnuEbayList, ui->mnuAllOpenRep, ui->mnuEnding, ui->mnuCleanup,
-          ui->mnuActionsReports, ui->mnuToolsCalculator, ui->mnu_Calendar})
+    for (QAction* a : {ui->mnuStart, ui->mnuEbayList, ui->mnuAllOpenRep, ui->mnuEnding,
+                       ui->mnuCleanup, ui->mnuActionsReports})
         m_available.insert(a, false);
 
     buildToolbar();
@@ -281,6 +281,16 @@ void frmItems::connectCommands()
     on(ui->mnuListing, &frmItems::mnuListing_Click);
     on(ui->mnuOptions, &frmItems::mnuOptions_Click);
     on(ui->mnuUpload, &frmItems::mnuUpload_Click);
+    connect(ui->mnuToolsCalculator, &QAction::triggered, this, [this] {
+        auto* tool = new frmCalculator(this);
+        tool->setAttribute(Qt::WA_DeleteOnClose);
+        tool->show();
+    });
+    connect(ui->mnu_Calendar, &QAction::triggered, this, [this] {
+        auto* tool = new frmCalendar(this);
+        tool->setAttribute(Qt::WA_DeleteOnClose);
+        tool->show();
+    });
     connect(ui->cmdAdStudio, &QPushButton::clicked, this, &frmItems::cmdAdStudio_Click);
     // The clipboard work is done by whichever box has the focus.
     const auto sendToFocus = [](const char* method) {

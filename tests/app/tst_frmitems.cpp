@@ -7,6 +7,7 @@
 #include "app/texts.h"
 #include "settings/SettingsCatalogue.h"
 
+#include <QDialog>
 #include <QLockFile>
 #include <QStatusBar>
 #include <QToolBar>
@@ -215,6 +216,16 @@ void TestItemWindow::looksRightAtDefaultSize()
     const QStringList problems = layoutProblems(w.child<QWidget>(QStringLiteral("centralwidget")));
     QVERIFY2(problems.isEmpty(), qPrintable(problems.join(u'\n')));
     QVERIFY(w->grab().save(QDir::temp().filePath(QStringLiteral("tallybid-frmItems.png"))));
+    // the tool windows too
+    for (const char* tool : {"mnuToolsCalculator", "mnu_Calendar"}) {
+        w.menu(QString::fromLatin1(tool))->trigger();
+        QWidget* shown = w->findChildren<QDialog*>().last();
+        QVERIFY(shown && shown->isVisible());
+        QVERIFY2(layoutProblems(shown).isEmpty(), qPrintable(layoutProblems(shown).join(u'\n')));
+        shown->grab().save(
+            QDir::temp().filePath(QString::fromLatin1(tool) + QLatin1String(".png")));
+        shown->close();
+    }
 }
 
 void TestItemWindow::launcher_data()

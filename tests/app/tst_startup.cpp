@@ -1,4 +1,5 @@
 // The start-up failure texts and the find requests, without windows.
+#include "app/Calculator.h"
 #include "app/FindCriteria.h"
 #include "app/Startup.h"
 #include "app/texts.h"
@@ -14,6 +15,8 @@ private slots:
     void openFailureMessages();
     void textSearch_data();
     void textSearch();
+    void calculator_data();
+    void calculator();
 };
 
 void TestStartup::openFailureMessages_data()
@@ -61,6 +64,45 @@ void TestStartup::textSearch()
 {
     QFETCH(QStringList, boxes);
     QTEST(FindCriteria::textSearch(boxes.at(0), boxes.at(1), boxes.at(2), boxes.at(3)), "criteria");
+}
+
+void TestStartup::calculator_data()
+{
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<QString>("display");
+    QTest::newRow("decimals without binary noise") << "0.1+0.2="
+                                                   << "0.3";
+    QTest::newRow("chained operations") << "12*3-6="
+                                        << "30";
+    QTest::newRow("one point only") << "1..5*2="
+                                    << "3";
+    QTest::newRow("division by zero") << "5/0="
+                                      << "Error";
+    QTest::newRow("typing after an error starts afresh") << "5/0=7"
+                                                         << "7";
+    QTest::newRow("backspace and sign") << "123<~"
+                                        << "-12";
+}
+
+void TestStartup::calculator()
+{
+    QFETCH(QString, keys);
+    Calculator c;
+    for (const QChar k : keys) {
+        if (k.isDigit())
+            c.digit(k.digitValue());
+        else if (k == u'.')
+            c.point();
+        else if (k == u'=')
+            c.equals();
+        else if (k == u'<')
+            c.backspace();
+        else if (k == u'~')
+            c.changeSign();
+        else
+            c.operation(k);
+    }
+    QTEST(c.display(), "display");
 }
 
 QTEST_MAIN(TestStartup)
