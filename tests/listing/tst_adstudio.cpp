@@ -10,22 +10,30 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+// A command on a theme edited through the font and colour dialogs and by typing: the theme, the
+// command, the answers given (to the question about unsaved changes, names typed); the titles of
+// what it showed; the themeset's themes afterwards in list order ("*": holds the edits; the
+// others byte for byte, a new one as a new themeset's Default) and the theme then shown.
+// clang-format off
+struct Command { QString theme, command, answers, titles, file, current; };
+// clang-format on
+} // namespace
 
-// An application folder whose standard.tbt holds Default, Ocean and Plain, and its Ad Studio.
-struct Studio
+Q_DECLARE_METATYPE(Command)
+
+// Each test has an application folder whose standard.tbt holds Default, Ocean and Plain, and
+// an Ad Studio on it.
+class TestAdStudio : public QObject
 {
-    TestEnvironment env;
-    ScriptedPrompts& prompts = env.prompts();
-    std::unique_ptr<frmAdStudio> form;
+    Q_OBJECT
 
-    Studio()
-    {
-        QFile::copy(QStringLiteral(TB_ADSTUDIO_DATA "/studio.tbt"), themeSet());
-        form = std::make_unique<frmAdStudio>(env.context());
-    }
-    QString themeSet() const { return env.path(u"standard.tbt"_s); }
+    std::unique_ptr<TestEnvironment> m_env;
+    std::unique_ptr<frmAdStudio> m_form;
+
+    ScriptedPrompts& prompts() const { return m_env->prompts(); }
+    QString themeSet() const { return m_env->path(u"standard.tbt"_s); }
     QList<QByteArray> records() const { return readAll(themeSet()).split('\n'); }
-    template <class T = QLineEdit> T* get(const QString& n) const { return form->findChild<T*>(n); }
+    template <class T = QLineEdit> T* get(QString n) const { return m_form->findChild<T*>(n); }
     QComboBox* list() const { return get<QComboBox>(u"cmbThemes"_s); }
     // Clicks the button or triggers the menu command of that name.
     void press(const QString& name) const
@@ -37,299 +45,220 @@ struct Studio
         list()->setCurrentIndex(list()->findText(theme));
         emit list()->activated(list()->currentIndex());
     }
-    QStringList themes() const
-    {
-        QStringList names;
-        for (int i = 0; i < list()->count(); ++i)
-            names << list()->itemText(i);
-        return names;
-    }
-};
-
-} // namespace
-
-class TestAdStudio : public QObject
-{
-    Q_OBJECT
 
 private slots:
-    void loadsThemes_data();
-    void loadsThemes();
-    void editsThroughDialogsAreSaved();
-    void newSaveAsAndDelete_data();
-    void newSaveAsAndDelete();
-    void unsavedChangeQuestion_data();
-    void unsavedChangeQuestion();
-    void fileDialogs_data();
-    void fileDialogs();
-    void closingOnlyHides_data();
-    void closingOnlyHides();
-    void roleTextsRoundTrip();
-    void laidOutWithoutOverlap();
+    void init()
+    {
+        m_env = std::make_unique<TestEnvironment>();
+        QVERIFY(QFile::copy(QStringLiteral(TB_LISTING_DATA "/studio.tbt"), themeSet()));
+        m_form = std::make_unique<frmAdStudio>(m_env->context());
+    }
+    void cleanup()
+    {
+        m_form.reset();
+        QVERIFY2(prompts().unexpected().isEmpty() && prompts().pendingAnswers() == 0,
+                 qPrintable(prompts().unexpected().join(u'\n')));
+    }
+
+    void loadsThemes_data()
+    {
+        // What the controls show, separated by "|": the five media boxes ("@" for the
+        // application folder); flags (loop, top, bottom, left, right, inline), border width, cell
+        // alignment; the heading's font and size, "bold"; the colours of the reserve text and of
+        // the table. Rows are named after the theme.
+        QTest::addColumn<QString>("shown");
+        // Tokens are expanded letter case included, each in its own field only. A system colour
+        // number has no screen colour to check.
+        // clang-format off
+        QTest::newRow("Default") << "|||||111111|4|Left|MS Sans Serif|16||#000000|#ffffff";
+        QTest::newRow("Ocean")   << "@/Backgr/sea/waves.jpg|@/Sounds/surf.wav|@/Images/rope.gif|@/Images/anchor.gif|appimagepath\\shell.gif|"
+                                    "010010|2|Center|Arial|20|bold|#0000ff|#c0c0c0";
+        QTest::newRow("Plain")   << "AppImagePath\\x.jpg|||||101101|0|Right|Courier New|10||#000000";
+        // clang-format on
+    }
+    void loadsThemes()
+    {
+        QFETCH(QString, shown);
+        const QString theme = QTest::currentDataTag();
+        select(theme == "Ocean" ? "Plain" : "Ocean"); // from another, so every control changes
+        select(theme);
+        QVERIFY(prompts().shown().isEmpty() && !m_form->isThemeChanged());
+        QString flags;
+        for (const char* box : {"chkLoop", "chkBorderImgTop", "chkBorderImgBot", "chkTitleImgLeft",
+                                "chkTitleImgRight", "chkInlineImg"})
+            flags += get<QCheckBox>(box)->isChecked() ? u'1' : u'0';
+        const QFont f = get("txtListText_0")->font();
+        QStringList controls = m_form->mediaPaths();
+        controls << flags << QString::number(get<QSlider>("slBorderWidth")->value())
+                 << get<QComboBox>("cmbCellAlign")->currentText() << get("txtFont_0")->text()
+                 << QString::number(f.pointSize()) << (f.bold() ? "bold" : "")
+                 << get("txtListText_5")->palette().color(QPalette::Text).name()
+                 << get("txtListText_3")->palette().color(QPalette::Base).name();
+        const QStringList expected = shown.replace(u'@', m_env->appPath()).split(u'|');
+        QCOMPARE(controls.mid(0, expected.size()), expected);
+        QVERIFY(f.family() == expected[8] && !f.italic());
+
+        // Nothing clips or overlaps on any tab, whatever the theme puts in the boxes.
+        m_form->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_form.get()));
+        auto* tabs = get<QTabWidget>("TabStrip1");
+        for (int t = 0; t < tabs->count(); ++t) {
+            tabs->setCurrentIndex(t);
+            QApplication::processEvents();
+            QCOMPARE(layoutProblems(m_form.get()) + layoutProblems(tabs->widget(t)), QStringList());
+        }
+    }
+
+    void themeCommands_data()
+    {
+        QTest::addColumn<Command>("row");
+        // clang-format off
+        QTest::newRow("apply")            << Command{"Ocean",   "cmdApply",       "",           "",                        "Default|Ocean*|Plain",         "Ocean"};
+        QTest::newRow("back to the list") << Command{"Ocean",   "cmbThemes",      "Yes",        "Theme Changed",           "Default|Ocean*|Plain",         "Ocean"};
+        QTest::newRow("new, trimmed")     << Command{"Ocean",   "mnuNew",         "No|  Fresh ", "Theme Changed|New Theme", "Default|Ocean|Plain|Fresh",    "Fresh"};
+        QTest::newRow("save as")          << Command{"Ocean",   "mnuSaveAs",      "Ocean 2",    "Save As Theme",           "Default|Ocean|Plain|Ocean 2*", "Ocean 2"};
+        QTest::newRow("delete, unasked")  << Command{"Ocean",   "mnuDeleteTheme", "",           "",                        "Default|Plain",                "Default"};
+        QTest::newRow("delete Default")   << Command{"Default", "mnuDeleteTheme", "",           "Cannot Delete",           "Default|Ocean|Plain",          "Default"};
+        // clang-format on
+    }
+    void themeCommands()
+    {
+        QFETCH(Command, row);
+        const QList<QByteArray> before = records(); // a header of four lines, then the themes
+        select(row.theme);
+        m_form->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
+        list()->setFocus(Qt::MouseFocusReason); // nothing changed yet, so nothing asked
+        prompts().queueFont(QFont(u"Courier New"_s, 18, QFont::Bold));
+        prompts().queueColor(QColor(255, 0, 0));
+        prompts().queueColor(QColor(0, 0, 128));
+        for (const char* button : {"cmdFont_2", "cmdSwatch_2", "cmdTableColor"})
+            press(button);
+        get("txtTitleImage")->setText(u"/pics/unsaved.gif"_s);
+        const qsizetype dialogs = prompts().shown().size();
+        for (const QString& answer : row.answers.split(u'|', Qt::SkipEmptyParts))
+            answer == "Yes" || answer == "No"
+                ? prompts().queueAnswer(answer == "Yes" ? PromptAnswer::Yes : PromptAnswer::No)
+                : prompts().queueInput(answer);
+        get<QWidget>(u"cmdApply"_s)->setFocus();
+        row.command == "cmbThemes" ? list()->setFocus(Qt::MouseFocusReason) : press(row.command);
+
+        QStringList shown;
+        for (const ScriptedPrompts::Shown& box : prompts().shown().mid(dialogs)) {
+            shown << box.title;
+            QVERIFY(box.title != "Theme Changed" ||
+                    (box.text == "Theme has been changed but not saved.  Do you want save now?" &&
+                     box.icon == PromptIcon::Question && box.buttons == PromptButtons::YesNo));
+        }
+        QCOMPARE(shown.join(u'|'), row.titles);
+        QCOMPARE(m_form->currentThemeName(), row.current);
+        QCOMPARE(m_form->isThemeChanged(), row.current == row.theme && !row.file.contains(u'*'));
+        const QStringList file = row.file.split(u'|');
+        const QList<QByteArray> after = records();
+        QCOMPARE(after.mid(0, 4), before.mid(0, 4));
+        QVERIFY(after.size() - 5 == file.size() && list()->count() == file.size());
+        const QStringList themes{"Default", "Ocean", "Plain"};
+        // The edits, expanded paths included: they are what the editor holds, so what it writes.
+        // clang-format off
+        const QByteArrayList edits{"\"Courier New\",255,18,#TRUE#,#FALSE#", "\"Arial\",8388608,20,#TRUE#,#FALSE#", "\"/pics/unsaved.gif\"",
+                                   '"' + m_env->appPath().toUtf8() + "/Backgr/sea/waves.jpg\""};
+        // clang-format on
+        for (qsizetype i = 0; i < file.size(); ++i) {
+            const QString name = QString(file[i]).remove(u'*');
+            const QByteArray& record = after[4 + i];
+            QCOMPARE(list()->itemText(i), name);
+            if (name == file[i]) {
+                QCOMPARE(record, themes.contains(name)
+                                     ? before[4 + themes.indexOf(name)]
+                                     : QByteArray(before[4]).replace("Default", name.toUtf8()));
+                continue;
+            }
+            QVERIFY(record.startsWith(QByteArray('"' + name.toUtf8() + "\",8388608,")));
+            for (const QByteArray& edit : edits)
+                QVERIFY2(record.contains(edit), edit.constData());
+        }
+    }
+
+    void fileDialogs_data()
+    {
+        // The command, the box showing the choice (none for themesets: cancelled) and the filter.
+        QTest::addColumn<QStringList>("dialog");
+        // clang-format off
+        const QString image = "Internet Image Files (*.gif; *.jpg; *.jpeg)|*.gif; *.jpg; *.jpeg;|All Files (*.*)|*.*";
+        QTest::newRow("background")    << QStringList{"cmdFind",          "txtBackgroundImage", image};
+        QTest::newRow("sound")         << QStringList{"cmdFindSound",     "txtSoundFile",
+                                                      "Internet Sound Files (*.wav; *.mid; *.au)|*.wav; *.mid; *.au;|All Files (*.*)|*.*"};
+        QTest::newRow("border")        << QStringList{"cmdFindBorderImg", "txtBorderImage",     image};
+        QTest::newRow("title")         << QStringList{"cmdFindTitleImg",  "txtTitleImage",      image};
+        QTest::newRow("inline")        << QStringList{"cmdFindInlineImg", "txtInlineImage",     image};
+        QTest::newRow("new themeset")  << QStringList{"mnuThemesetNew",   "",                   "Tallybid Theme files (*.tbt)|*.tbt"};
+        QTest::newRow("open themeset") << QStringList{"mnuThemesetOpen",  "",                   "Tallybid ThemeSet files (*.tbt)|*.tbt"};
+        // clang-format on
+    }
+    void fileDialogs()
+    {
+        QFETCH(QStringList, dialog);
+        const QString chosen =
+            dialog[1].isEmpty() ? QString() : m_env->writeFile("chosen.gif", "GIF");
+        prompts().queueFile(chosen);
+        press(dialog[0]);
+        QCOMPARE(prompts().shown().last().text, dialog[2]);
+        QCOMPARE(m_env->context().state.themeSetFN, themeSet());
+        QCOMPARE(m_form->isThemeChanged(), !chosen.isEmpty());
+        QCOMPARE(chosen.isEmpty() ? QString() : get(dialog[1])->text(), chosen);
+    }
+
+    // Closing only hides the window. The listing reads the controls, saved or not; saved role
+    // texts come back in a later Ad Studio on the same settings.
+    void closingOnlyHides_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<bool>("saves");
+        QTest::newRow("window close") << "" << false;
+        QTest::newRow("cancel") << "cmdCancel" << false;
+        QTest::newRow("exit no save") << "mnuExitNoSave" << false;
+        QTest::newRow("ok") << "cmdOK" << true;
+        QTest::newRow("exit and save") << "mnuExitSave" << true;
+    }
+    void closingOnlyHides()
+    {
+        QFETCH(QString, command);
+        QFETCH(bool, saves);
+        const QStringList keys{"SubHeading", "PayOptions", "TaxMsg", "NoReserve", "SeeOther"};
+        const auto box = [&keys](const frmAdStudio& form, const QString& key) {
+            return form.findChild<QLineEdit*>(u"txtListText_%1"_s.arg("13456"[keys.indexOf(key)]));
+        };
+        m_form->show();
+        select("Ocean");
+        get("txtInlineImage")->setText(u"/pics/new.gif"_s);
+        get<QCheckBox>("chkInlineImg")->setChecked(true);
+        QString defaults;
+        for (const QString& key : keys) {
+            defaults += box(*m_form, key)->text() + u'|';
+            box(*m_form, key)->setText(key + u'!');
+        }
+        // The payment text's default is the Ad Studio's own, not the settings file's.
+        QCOMPARE(defaults,
+                 "|Buyer to pay shipping and insurance if desired. Please allow time for personal "
+                 "check to clear or send m.o. for quick shipping.||NO RESERVE!|Please check out "
+                 "the other auctions we currently have running on eBay.|");
+        command.isEmpty() ? void(m_form->close()) : press(command);
+        QVERIFY(!m_form->isVisible());
+        QCOMPARE(records()[5].contains("\"/pics/new.gif\""), saves);
+
+        ListingRequest request;
+        m_form->fillListingRequest(request);
+        QCOMPARE(request.themeName, u"Ocean"_s);
+        QCOMPARE(request.media.inlineImage, u"/pics/new.gif"_s);
+        QVERIFY(request.media.inlineImg && !request.media.loop);
+        QCOMPARE(request.roleTexts.seeOther, u"SeeOther!"_s);
+        const frmAdStudio again(m_env->context());
+        for (const QString& key : keys) {
+            QCOMPARE(m_env->store().get("Tallybid", "Options", key) == key + u'!', saves);
+            QCOMPARE(box(again, key)->text() == key + u'!', saves);
+        }
+    }
 };
-
-void TestAdStudio::loadsThemes_data()
-{
-    // What the controls show, separated by "|": the five media boxes ("@" for the application
-    // folder); flags (loop, top, bottom, left, right, inline), border width, cell alignment; the
-    // heading's font and size, "bold"; the colours of the reserve text and of the table. Rows
-    // are named after the theme.
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("Default") << "|||||111111|4|Left|MS Sans Serif|16||#000000|#ffffff";
-    // Tokens are expanded letter case included, each in its own field only.
-    QTest::newRow("Ocean") << "@/Backgr/sea/waves.jpg|@/Sounds/surf.wav|@/Images/rope.gif|"
-                              "@/Images/anchor.gif|appimagepath\\shell.gif|010010|2|Center|Arial|"
-                              "20|bold|#0000ff|#c0c0c0";
-    // A system colour number has no screen colour to check.
-    QTest::newRow("Plain") << "AppImagePath\\x.jpg|||||101101|0|Right|Courier New|10||#000000";
-}
-
-void TestAdStudio::loadsThemes()
-{
-    QFETCH(QString, shown);
-    const QString theme = QTest::currentDataTag();
-    Studio s;
-    s.select(theme == "Ocean" ? "Plain" : "Ocean"); // from another, so every control changes
-    s.select(theme);
-    QVERIFY(s.prompts.shown().isEmpty() && !s.form->isThemeChanged());
-    QString flags;
-    for (const char* box : {"chkLoop", "chkBorderImgTop", "chkBorderImgBot", "chkTitleImgLeft",
-                            "chkTitleImgRight", "chkInlineImg"})
-        flags += s.get<QCheckBox>(box)->isChecked() ? u'1' : u'0';
-    const QFont f = s.get("txtListText_0")->font();
-    QStringList controls = s.form->mediaPaths();
-    controls << flags << QString::number(s.get<QSlider>("slBorderWidth")->value())
-             << s.get<QComboBox>("cmbCellAlign")->currentText() << s.get("txtFont_0")->text()
-             << QString::number(f.pointSize()) << (f.bold() ? "bold" : "")
-             << s.get("txtListText_5")->palette().color(QPalette::Text).name()
-             << s.get("txtListText_3")->palette().color(QPalette::Base).name();
-    const QStringList expected = shown.replace(u'@', s.env.appPath()).split(u'|');
-    QCOMPARE(controls.mid(0, expected.size()), expected);
-    QVERIFY(f.family() == expected[8] && !f.italic());
-}
-
-void TestAdStudio::editsThroughDialogsAreSaved()
-{
-    Studio s;
-    QList<QByteArray> before = s.records();
-    s.select("Ocean");
-    s.prompts.queueFont(QFont(u"Courier New"_s, 18, QFont::Bold));
-    s.prompts.queueColor(QColor(255, 0, 0));
-    s.prompts.queueColor(QColor(0, 0, 128));
-    for (const char* button : {"cmdFont_2", "cmdSwatch_2", "cmdTableColor", "cmdApply"})
-        s.press(button);
-    QVERIFY(s.prompts.unexpected().isEmpty() && !s.form->isThemeChanged());
-    QList<QByteArray> after = s.records();
-    const QByteArray ocean = after.takeAt(5);
-    before.removeAt(5);
-    QCOMPARE(after, before); // header and the other themes untouched
-    QVERIFY(ocean.startsWith("\"Ocean\",8388608,"));
-    QVERIFY(ocean.contains("\"Courier New\",255,18,#TRUE#,#FALSE#"));
-    QVERIFY(ocean.contains("\"Arial\",8388608,20,#TRUE#,#FALSE#"));
-    // Expanded paths are what the editor holds, so they are what it writes.
-    QVERIFY(ocean.contains(QByteArray('"' + s.env.appPath().toUtf8() + "/Backgr/sea/waves.jpg\"")));
-}
-
-void TestAdStudio::newSaveAsAndDelete_data()
-{
-    // The theme shown, the command and the name typed (none when not asked); the titles of what
-    // was shown; the list afterwards, ending with the theme shown.
-    QTest::addColumn<QStringList>("steps");
-    QTest::addColumn<QStringList>("prompts");
-    QTest::addColumn<QStringList>("themes");
-    const QStringList three{"Default", "Ocean", "Plain"};
-    const QStringList asked{"Theme Changed", "New Theme"};
-    const QStringList saveAs{"Save As Theme"};
-    QTest::newRow("new, trimmed") << QStringList{"Ocean", "mnuNew", "  Fresh  "} << asked
-                                  << three + QStringList{"Fresh", "Fresh"};
-    QTest::newRow("save as") << QStringList{"Ocean", "mnuSaveAs", "Ocean 2"} << saveAs
-                             << three + QStringList{"Ocean 2", "Ocean 2"};
-    QTest::newRow("delete, unasked") << QStringList{"Ocean", "mnuDeleteTheme", ""} << QStringList()
-                                     << QStringList{"Default", "Plain", "Default"};
-    QTest::newRow("delete Default")
-        << QStringList{"Default", "mnuDeleteTheme", ""} << QStringList{"Cannot Delete"}
-        << three + QStringList{"Default"};
-}
-
-void TestAdStudio::newSaveAsAndDelete()
-{
-    QFETCH(QStringList, steps);
-    QFETCH(QStringList, prompts);
-    QFETCH(QStringList, themes);
-    Studio s;
-    s.select(steps[0]);
-    s.get("txtTitleImage")->setText(u"/pics/unsaved.gif"_s);
-    const QList<QByteArray> before = s.records();
-    if (steps[1] == "mnuNew")
-        s.prompts.queueAnswer(PromptAnswer::No);
-    if (!steps[2].isEmpty())
-        s.prompts.queueInput(steps[2]);
-    s.press(steps[1]);
-    QVERIFY(s.prompts.unexpected().isEmpty() && s.prompts.pendingAnswers() == 0);
-    QStringList titles;
-    for (const ScriptedPrompts::Shown& shown : s.prompts.shown())
-        titles << shown.title;
-    QCOMPARE(titles, prompts);
-    QCOMPARE(s.themes() << s.form->currentThemeName(), themes);
-
-    QList<QByteArray> after = s.records();
-    QList<QByteArray> kept = before;
-    if (themes.size() == 3)
-        kept.removeAt(5);
-    if (themes.size() == 5) {
-        const QByteArray record = after.takeAt(before.size() - 1);
-        QVERIFY(!s.form->isThemeChanged());
-        // A new theme has the values of a new themeset's Default; Save As keeps the edits.
-        if (steps[1] == "mnuNew")
-            QCOMPARE(record, QByteArray(before[4]).replace("Default", "Fresh"));
-        QCOMPARE(record.contains("\"/pics/unsaved.gif\""), steps[1] == "mnuSaveAs");
-    }
-    QCOMPARE(after, kept);
-}
-
-void TestAdStudio::unsavedChangeQuestion_data()
-{
-    QTest::addColumn<bool>("edit");
-    QTest::addColumn<int>("answer");
-    QTest::newRow("unchanged: no question") << false << -1;
-    QTest::newRow("yes saves") << true << int(PromptAnswer::Yes);
-    QTest::newRow("no keeps the file") << true << int(PromptAnswer::No);
-}
-
-void TestAdStudio::unsavedChangeQuestion()
-{
-    QFETCH(bool, edit);
-    QFETCH(int, answer);
-    Studio s;
-    s.select("Plain");
-    s.form->show();
-    s.form->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(s.form.get()));
-    s.get<QWidget>("cmdApply")->setFocus(Qt::OtherFocusReason);
-    if (edit)
-        s.get<QCheckBox>("chkInlineImg")->click();
-    if (answer >= 0)
-        s.prompts.queueAnswer(PromptAnswer(answer));
-    const QByteArray before = readAll(s.themeSet());
-
-    s.list()->setFocus(Qt::MouseFocusReason);
-    QVERIFY(s.prompts.unexpected().isEmpty() && s.prompts.pendingAnswers() == 0);
-    QCOMPARE(s.prompts.shown().size(), answer < 0 ? 0 : 1);
-    for (const ScriptedPrompts::Shown& question : s.prompts.shown()) {
-        QCOMPARE(question.title, u"Theme Changed"_s);
-        QCOMPARE(question.text, u"Theme has been changed but not saved.  Do you want save now?"_s);
-        QCOMPARE(question.buttons, PromptButtons::YesNo);
-    }
-    const bool saved = answer == int(PromptAnswer::Yes);
-    QCOMPARE(readAll(s.themeSet()) != before, saved);
-    QCOMPARE(s.form->isThemeChanged(), edit && !saved);
-}
-
-void TestAdStudio::fileDialogs_data()
-{
-    // The command, the box showing the choice (none for themesets: cancelled) and the filter.
-    QTest::addColumn<QStringList>("dialog");
-    const QString image(u"Internet Image Files (*.gif; *.jpg; *.jpeg)|*.gif; *.jpg; *.jpeg;|All "
-                        "Files (*.*)|*.*"_s);
-    QTest::newRow("background") << QStringList{"cmdFind", "txtBackgroundImage", image};
-    QTest::newRow("sound") << QStringList{"cmdFindSound", "txtSoundFile",
-                                          "Internet Sound Files (*.wav; *.mid; *.au)|*.wav; *.mid; "
-                                          "*.au;|All Files (*.*)|*.*"};
-    QTest::newRow("border") << QStringList{"cmdFindBorderImg", "txtBorderImage", image};
-    QTest::newRow("title") << QStringList{"cmdFindTitleImg", "txtTitleImage", image};
-    QTest::newRow("inline") << QStringList{"cmdFindInlineImg", "txtInlineImage", image};
-    QTest::newRow("new themeset") << QStringList{"mnuThemesetNew", "",
-                                                 "Tallybid Theme files (*.tbt)|*.tbt"};
-    QTest::newRow("open themeset")
-        << QStringList{"mnuThemesetOpen", "", "Tallybid ThemeSet files (*.tbt)|*.tbt"};
-}
-
-void TestAdStudio::fileDialogs()
-{
-    QFETCH(QStringList, dialog);
-    Studio s;
-    const QString chosen = dialog[1].isEmpty() ? QString() : s.env.writeFile("chosen.gif", "GIF");
-    s.prompts.queueFile(chosen);
-    s.press(dialog[0]);
-    QCOMPARE(s.prompts.shown().last().text, dialog[2]);
-    QVERIFY(s.prompts.unexpected().isEmpty());
-    QCOMPARE(s.env.context().state.themeSetFN, s.themeSet());
-    QCOMPARE(s.form->isThemeChanged(), !chosen.isEmpty());
-    QCOMPARE(chosen.isEmpty() ? QString() : s.get(dialog[1])->text(), chosen);
-}
-
-void TestAdStudio::closingOnlyHides_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<bool>("saves");
-    QTest::newRow("window close") << "" << false;
-    QTest::newRow("cancel") << "cmdCancel" << false;
-    QTest::newRow("exit no save") << "mnuExitNoSave" << false;
-    QTest::newRow("ok") << "cmdOK" << true;
-    QTest::newRow("exit and save") << "mnuExitSave" << true;
-}
-
-void TestAdStudio::closingOnlyHides()
-{
-    QFETCH(QString, command);
-    QFETCH(bool, saves);
-    Studio s;
-    s.form->show();
-    s.select("Ocean");
-    s.get("txtInlineImage")->setText(u"/pics/new.gif"_s);
-    s.get<QCheckBox>("chkInlineImg")->setChecked(true);
-    s.get("txtListText_6")->setText(u"More of mine"_s);
-    command.isEmpty() ? void(s.form->close()) : s.press(command);
-    QVERIFY(!s.form->isVisible());
-    QCOMPARE(s.records()[5].contains("\"/pics/new.gif\""), saves);
-
-    // The listing reads the controls, saved or not.
-    ListingRequest request;
-    s.form->fillListingRequest(request);
-    QCOMPARE(request.themeName, u"Ocean"_s);
-    QCOMPARE(request.media.inlineImage, u"/pics/new.gif"_s);
-    QVERIFY(request.media.inlineImg && !request.media.loop);
-    QCOMPARE(request.roleTexts.seeOther, u"More of mine"_s);
-}
-
-void TestAdStudio::roleTextsRoundTrip()
-{
-    Studio s;
-    const QStringList keys{"SubHeading", "PayOptions", "TaxMsg", "NoReserve", "SeeOther"};
-    const auto box = [](const frmAdStudio& form, int i) {
-        return form.findChild<QLineEdit*>(u"txtListText_%1"_s.arg("13456"[i]));
-    };
-    QString shown;
-    for (int i = 0; i < keys.size(); ++i)
-        shown += box(*s.form, i)->text() + u'|';
-    // The payment text's default is the Ad Studio's own, not the settings file's.
-    QCOMPARE(shown,
-             "|Buyer to pay shipping and insurance if desired. Please allow time for personal "
-             "check to clear or send m.o. for quick shipping.||NO RESERVE!|Please check out "
-             "the other auctions we currently have running on eBay.|");
-    for (int i = 0; i < keys.size(); ++i)
-        box(*s.form, i)->setText(keys[i] + u'!');
-    s.press("cmdApply");
-    // A later Ad Studio on the same settings shows them again.
-    frmAdStudio again(s.env.context());
-    for (int i = 0; i < keys.size(); ++i) {
-        QCOMPARE(s.env.store().get("Tallybid", "Options", keys[i]), keys[i] + u'!');
-        QCOMPARE(box(again, i)->text(), keys[i] + u'!');
-    }
-}
-
-void TestAdStudio::laidOutWithoutOverlap()
-{
-    Studio s;
-    s.form->show();
-    QVERIFY(QTest::qWaitForWindowExposed(s.form.get()));
-    auto* tabs = s.get<QTabWidget>("TabStrip1");
-    for (int t = 0; t < tabs->count(); ++t) {
-        tabs->setCurrentIndex(t);
-        QApplication::processEvents();
-        QCOMPARE(layoutProblems(s.form.get()) + layoutProblems(tabs->widget(t)), QStringList());
-    }
-}
 
 QTEST_MAIN(TestAdStudio)
 #include "tst_adstudio.moc"
