@@ -55,6 +55,9 @@ bool RecordSet::refresh()
     }
     while (q.next())
         m_ids << q.value(idField).toLongLong();
+    m_rowQuery = QSqlQuery(m_db);
+    m_rowQuery.prepare(QLatin1String("SELECT ") + m_columns.join(QLatin1String(", ")) +
+                       QLatin1String(" FROM Items WHERE ID = ?"));
     m_pos = 0; // BOF and EOF together when there are no rows
     loadCurrent();
     if (m_binding)
@@ -69,14 +72,12 @@ void RecordSet::loadCurrent()
     m_dirty.clear();
     if (!hasCurrent())
         return;
-    QSqlQuery q(m_db);
-    q.prepare(QLatin1String("SELECT ") + m_columns.join(QLatin1String(", ")) +
-              QLatin1String(" FROM Items WHERE ID = ?"));
-    q.addBindValue(m_ids.at(m_pos));
-    if (q.exec() && q.next()) {
+    m_rowQuery.bindValue(0, m_ids.at(m_pos));
+    if (m_rowQuery.exec() && m_rowQuery.next()) {
         for (int i = 0; i < m_columns.size(); ++i)
-            m_values.insert(m_columns.at(i).toLower(), q.value(i));
+            m_values.insert(m_columns.at(i).toLower(), m_rowQuery.value(i));
     }
+    m_rowQuery.finish();
 }
 
 bool RecordSet::save()

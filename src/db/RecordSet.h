@@ -4,6 +4,7 @@
 #include <QList>
 #include <QObject>
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QStringList>
 #include <QVariant>
 #include <functional>
@@ -125,6 +126,7 @@ private:
     qsizetype m_pos = -1;
     bool m_deletedCurrent = false;
     bool m_noMatch = false;
+    QSqlQuery m_rowQuery;              // reads the current row; prepared once per refresh
     QHash<QString, QVariant> m_values; // current row, by lower-case column name
     QHash<QString, QVariant> m_dirty;  // edits not yet written, by lower-case column name
     QString m_lastError;
