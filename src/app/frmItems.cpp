@@ -171,9 +171,9 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
     ui->mnuViewToolbar->setChecked(true);
     ui->mnuViewStatusBar->setChecked(true);
     if (!readToolbarVisible(m_ctx.store))
-        mnuViewToolbar_Click();
+        ui->mnuViewToolbar->trigger();
     if (!readStatusbarVisible(m_ctx.store))
-        mnuViewStatusBar_Click();
+        ui->mnuViewStatusBar->trigger();
     rebuildLinksMenu();
 
     const QString viewed =
@@ -874,19 +874,15 @@ void frmItems::mnuUpload_Click()
 
 // ---------------------------------------------------------------- bars, links, help
 
+// Both run from their checkable menu items, which have flipped their check mark already.
 void frmItems::mnuViewToolbar_Click()
 {
-    // The menu's own click has already flipped its check mark; a call from code flips it here.
-    if (sender() != ui->mnuViewToolbar)
-        ui->mnuViewToolbar->setChecked(!ui->mnuViewToolbar->isChecked());
     ui->Toolbar1->setVisible(ui->mnuViewToolbar->isChecked());
     saveToolbarVisible(m_ctx.store, ui->mnuViewToolbar->isChecked());
 }
 
 void frmItems::mnuViewStatusBar_Click()
 {
-    if (sender() != ui->mnuViewStatusBar)
-        ui->mnuViewStatusBar->setChecked(!ui->mnuViewStatusBar->isChecked());
     ui->sbStatus->setVisible(ui->mnuViewStatusBar->isChecked());
     saveStatusbarVisible(m_ctx.store, ui->mnuViewStatusBar->isChecked());
 }
