@@ -7,7 +7,6 @@
 namespace AdStudioText {
 inline const QString kMissingStandard = QStringLiteral(
     "You are missing the file: standard.tbt. Please get another copy from our web site.");
-inline const QString kMissingThemeSetTitle = QStringLiteral("Missing Themeset");
 
 inline const QString kChangedQuestion =
     QStringLiteral("Theme has been changed but not saved.  Do you want save now?");

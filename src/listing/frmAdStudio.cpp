@@ -2,6 +2,7 @@
 
 #include "listing/AdStudioTexts.h"
 #include "listing/ListingGenerator.h"
+#include "listing/ListingTexts.h"
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
 #include "settings/AppContext.h"
@@ -101,7 +102,7 @@ frmAdStudio::frmAdStudio(AppContext& ctx, QWidget* parent)
 
     const QString standard = m_ctx.appFile(ThemeSetText::kStandardFile);
     if (!QFileInfo::exists(standard)) {
-        m_ctx.prompts.message(AdStudioText::kMissingStandard, AdStudioText::kMissingThemeSetTitle,
+        m_ctx.prompts.message(AdStudioText::kMissingStandard, ListingText::kMissingThemesetTitle,
                               PromptIcon::Exclamation, PromptButtons::Ok);
     } else {
         m_ctx.state.themeSetFN = standard;
