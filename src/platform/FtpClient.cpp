@@ -1,8 +1,8 @@
 #include "platform/FtpClient.h"
 
+#include "platform/CurlCommon.h"
 #include "platform/FtpErrors.h"
 
-#include <QEventLoop>
 #include <QFile>
 #include <QMetaObject>
 #include <QUrl>
@@ -12,16 +12,8 @@
 
 #include <algorithm>
 #include <functional>
-#include <mutex>
-#include <thread>
 
 namespace {
-
-void initCurlOnce()
-{
-    static std::once_flag once;
-    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
-}
 
 // Phases tell apart the same library failure met at different moments: a strange reply while
 // logging in means a wrong port, the same reply to STOR means the server refused the file.
@@ -139,13 +131,6 @@ int codeFor(CURLcode result, long reply, Phase phase)
     }
 }
 
-// Names under "invalid" never resolve; answering at once also keeps the lookup off the network.
-bool isReservedInvalidName(const QString& host)
-{
-    const QString h = host.toLower();
-    return h == u"invalid" || h.endsWith(u".invalid") || h.endsWith(u".invalid.");
-}
-
 // Remote paths are written by Windows users too: ".\pics\" means "./pics".
 QString remotePath(const QString& directory)
 {
@@ -156,42 +141,7 @@ QString remotePath(const QString& directory)
     return d;
 }
 
-struct SList
-{
-    curl_slist* list = nullptr;
-    ~SList() { curl_slist_free_all(list); }
-    void append(const QByteArray& line) { list = curl_slist_append(list, line.constData()); }
-};
-
 } // namespace
-
-// The library's handle: one per session, so the logged-in control connection it caches is
-// reused by every operation until disconnectFromHost() closes it.
-class FtpClient::CurlHandle
-{
-public:
-    CurlHandle() : m_handle(curl_easy_init()) {}
-    ~CurlHandle() { release(); }
-    CurlHandle(const CurlHandle&) = delete;
-    CurlHandle& operator=(const CurlHandle&) = delete;
-
-    CURL* get() const { return m_handle; }
-    // Closes every cached connection (sending QUIT) and starts afresh.
-    void renew()
-    {
-        release();
-        m_handle = curl_easy_init();
-    }
-
-private:
-    void release()
-    {
-        if (m_handle)
-            curl_easy_cleanup(m_handle);
-        m_handle = nullptr;
-    }
-    CURL* m_handle = nullptr;
-};
 
 namespace ftp_detail {
 // One operation as the worker thread carries it out.
@@ -262,8 +212,7 @@ size_t onRead(char* buffer, size_t size, size_t count, void* data)
 
 FtpClient::FtpClient(QObject* parent) : QObject(parent)
 {
-    initCurlOnce();
-    m_curl = std::make_unique<CurlHandle>();
+    m_curl = std::make_unique<curl_common::EasyHandle>();
 }
 
 // A session still open is closed by the handle's destructor; its QUIT waits at most one time-out.
@@ -305,10 +254,8 @@ FtpClient::Result FtpClient::perform(Task& request)
             this, [this, percent] { emit progress(percent); }, Qt::QueuedConnection);
     };
 
-    std::atomic<bool> finished{false};
-    QEventLoop loop;
-    {
-        std::jthread worker([this, &request, &finished, &loop] {
+    curl_common::runOnWorker(
+        [this, &request] {
             if (request.renewHandle) {
                 m_curl->renew();
             } else {
@@ -317,7 +264,7 @@ FtpClient::Result FtpClient::perform(Task& request)
                 const QByteArray url = request.url.toUtf8();
                 const QByteArray user = m_user.toUtf8();
                 const QByteArray password = m_password.toUtf8();
-                SList after;
+                curl_common::StringList after;
                 if (!request.afterCommand.isEmpty())
                     after.append(request.afterCommand);
                 const long timeout = m_timeoutSeconds;
@@ -346,8 +293,8 @@ FtpClient::Result FtpClient::perform(Task& request)
                 } else {
                     curl_easy_setopt(h, CURLOPT_NOBODY, 1L);
                 }
-                if (after.list)
-                    curl_easy_setopt(h, CURLOPT_POSTQUOTE, after.list);
+                if (!after.isEmpty())
+                    curl_easy_setopt(h, CURLOPT_POSTQUOTE, after.get());
                 request.result = curl_easy_perform(h);
                 curl_easy_getinfo(h, CURLINFO_RESPONSE_CODE, &request.reply);
                 // Nothing may point into this stack frame once it is gone: closing the session
@@ -358,15 +305,8 @@ FtpClient::Result FtpClient::perform(Task& request)
                 curl_easy_setopt(h, CURLOPT_XFERINFODATA, nullptr);
                 curl_easy_setopt(h, CURLOPT_READDATA, nullptr);
             }
-            finished = true;
-            QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
-        });
-        // Always entered: the worker's progress reports queued before its quit are delivered here.
-        loop.exec();
-        // The loop can also end because the application is quitting: stop the work then.
-        if (!finished.load())
-            m_cancel = true;
-    }
+        },
+        [this] { m_cancel = true; });
     m_busy = false;
 
     Result r;
@@ -395,7 +335,7 @@ FtpClient::Result FtpClient::connectToHost(const QString& host, int port, const 
     m_password = password;
     m_directory.clear();
     m_connected = false;
-    if (m_host.isEmpty() || isReservedInvalidName(m_host))
+    if (m_host.isEmpty() || curl_common::isReservedInvalidName(m_host))
         return {22005, QStringLiteral("host name does not resolve")};
     if (port < 1 || port > 65535)
         return {22014, QStringLiteral("port out of range")};

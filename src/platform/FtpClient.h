@@ -6,6 +6,9 @@
 #include <atomic>
 #include <memory>
 
+namespace curl_common {
+class EasyHandle;
+}
 namespace ftp_detail {
 struct Task;
 }
@@ -57,8 +60,7 @@ private:
     Result perform(ftp_detail::Task& task);
     QString urlFor(const QString& directory, const QString& fileName) const;
 
-    class CurlHandle;
-    std::unique_ptr<CurlHandle> m_curl;
+    std::unique_ptr<curl_common::EasyHandle> m_curl;
     std::atomic<bool> m_busy{false};
     std::atomic<bool> m_cancel{false};
     int m_timeoutSeconds = 60;
