@@ -19,6 +19,10 @@ struct AppState
     OptionsRecord options;
     int timeZoneBias = 0;
 
+    // The item the item window shows, for the windows it opens (set when the record changes).
+    qint64 currentItemId = 0;
+    QString currentEbayId, currentShortDescription;
+
     QString findCriteria; // "ITEM SEARCH", a criteria text, or empty
     QString pageUrl, pageText;
     QString ftpAction;

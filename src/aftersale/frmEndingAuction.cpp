@@ -1,0 +1,1 @@
+#include "aftersale/frmEndingAuction.h"
