@@ -21,3 +21,8 @@ bool DesktopShell::startProgram(const QString& program, const QStringList& argum
 {
     return QProcess::startDetached(program, arguments, workingDir);
 }
+
+void OpenDocument(Shell& shell, const QString& pathOrUrl, const QString& appPath)
+{
+    shell.openDocument(pathOrUrl, appPath);
+}

@@ -15,6 +15,10 @@ public:
                               const QString& workingDir) = 0;
 };
 
+// Opens a file or web address with the user's default program, working in appPath. Every window
+// hands pages and addresses to the desktop through this one routine.
+void OpenDocument(Shell& shell, const QString& pathOrUrl, const QString& appPath);
+
 class DesktopShell : public Shell
 {
 public:
