@@ -118,8 +118,7 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
         mnuLinks[i] = findChild<QAction*>(QStringLiteral("mnuLinks_%1").arg(i));
 
     // Commands whose work is not part of this build stay present but disabled.
-    for (QAction* a : {ui->mnuStart, ui->mnuEbayList, ui->mnuAllOpenRep, ui->mnuEnding,
-                       ui->mnuCleanup, ui->mnuActionsReports})
+    for (QAction* a : {ui->mnuEnding, ui->mnuCleanup, ui->mnuActionsReports})
         m_available.insert(a, false);
 
     buildToolbar();
@@ -281,6 +280,17 @@ void frmItems::connectCommands()
     on(ui->mnuListing, &frmItems::mnuListing_Click);
     on(ui->mnuOptions, &frmItems::mnuOptions_Click);
     on(ui->mnuUpload, &frmItems::mnuUpload_Click);
+    // The check marks of these say which page was shown last and are set by the commands alone:
+    // one that stops early leaves them as they were, so the flip a click makes is taken back.
+    const auto site = [this](QAction* action, void (frmItems::*command)()) {
+        connect(action, &QAction::triggered, this, [this, action, command] {
+            action->setChecked(!action->isChecked());
+            (this->*command)();
+        });
+    };
+    site(ui->mnuStart, &frmItems::mnuStart_Click);
+    site(ui->mnuEbayList, &frmItems::mnuEbayList_Click);
+    site(ui->mnuAllOpenRep, &frmItems::mnuAllOpenRep_Click);
     connect(ui->mnuToolsCalculator, &QAction::triggered, this, [this] {
         auto* tool = new frmCalculator(this);
         tool->setAttribute(Qt::WA_DeleteOnClose);
@@ -828,10 +838,15 @@ void frmItems::cmdAdStudio_Click()
 
 void frmItems::mnuListing_Click()
 {
-    ui->mnuListing->setChecked(true);
-    for (QAction* other : {ui->mnuStart, ui->mnuEbayList, ui->mnuAllOpenRep})
-        other->setChecked(false);
+    checkSiteView(SiteView::Listing);
+    if (runListing(m_remote, false).ok())
+        OpenDocument(m_ctx.shell, listingFilePath(m_ctx.state.appPath), m_ctx.state.appPath);
+}
 
+// The listing generator on the item as the boxes show it, with the theme the Ad Studio holds;
+// its messages are shown and the focus goes where it points.
+ListingResult frmItems::runListing(bool remote, bool escape)
+{
     ListingRequest request;
     adStudio().fillListingRequest(request);
     request.shortDescription = fieldText(3);
@@ -844,25 +859,83 @@ void frmItems::mnuListing_Click()
     request.imageLoc = m_ctx.state.options.imageLoc;
     request.ebaySellerReport = m_ctx.state.options.ebaySellerReport;
     request.userEmail = m_ctx.state.options.userEmail;
-    request.remote = m_remote;
-    request.escape = false;
+    request.remote = remote;
+    request.escape = escape;
     request.appPath = m_ctx.state.appPath;
 
-    const ListingResult result = generateListing(request);
+    ListingResult result = generateListing(request);
     for (const ThemeSetMessage& m : result.messages)
         m_ctx.prompts.message(m.text, m.title, m.icon);
     if (result.focus == ListingFocus::ShortDescription)
         txtFields[3]->setFocus();
     else if (result.focus == ListingFocus::Description)
         txtFields[4]->setFocus();
-    if (result.ok())
-        OpenDocument(m_ctx.shell, listingFilePath(m_ctx.state.appPath), m_ctx.state.appPath);
+    return result;
 }
 
 void frmItems::mnuOptions_Click()
 {
     frmOptions dialog(m_ctx, this);
     dialog.exec();
+}
+
+// ---------------------------------------------------------------- auction site
+
+void frmItems::mnuStart_Click()
+{
+    ::mnuStart_Click(m_ctx, *this);
+}
+
+void frmItems::mnuEbayList_Click()
+{
+    ::mnuEbayList_Click(m_ctx, *this);
+}
+
+void frmItems::mnuAllOpenRep_Click()
+{
+    ::mnuAllOpenRep_Click(m_ctx, *this);
+}
+
+QString frmItems::lengthText() const
+{
+    return ui->comboLength->currentText();
+}
+
+void frmItems::saveRecord()
+{
+    Data1->update();
+}
+
+void frmItems::rereadRecord()
+{
+    Data1->rereadCurrent();
+}
+
+void frmItems::refreshView()
+{
+    Data1->refresh();
+    ui->txtCurItem->setText(QStringLiteral("1"));
+    UpdateNavigation();
+}
+
+void frmItems::checkSiteView(SiteView view)
+{
+    ui->mnuListing->setChecked(view == SiteView::Listing);
+    ui->mnuStart->setChecked(view == SiteView::StartForm);
+    ui->mnuEbayList->setChecked(view == SiteView::ItemPage);
+    ui->mnuAllOpenRep->setChecked(view == SiteView::AllOpenReport);
+}
+
+QString frmItems::startFormListing()
+{
+    return runListing(true, true).html;
+}
+
+void frmItems::openOptions()
+{
+    auto* dialog = new frmOptions(m_ctx, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->show();
 }
 
 void frmItems::mnuUpload_Click()

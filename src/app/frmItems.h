@@ -2,6 +2,7 @@
 
 #include "db/DataBinder.h"
 #include "db/RecordSet.h"
+#include "web/WebCommands.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -17,12 +18,13 @@ class QLineEdit;
 class QPushButton;
 class QTimer;
 struct AppContext;
+struct ListingResult;
 class frmFind;
 class frmAdStudio;
 
 // The main window: browses and edits one item at a time through Data1, switches between the
 // All, Active and Inactive views, and dispatches every menu and toolbar command.
-class frmItems : public QMainWindow
+class frmItems : public QMainWindow, private ItemWindowPort
 {
     Q_OBJECT
 public:
@@ -42,7 +44,7 @@ public:
     View currentView() const { return m_view; }
     // The toolbar button with the given key ("Add", "Next", "PList", ...).
     QAction* toolButton(const QString& key) const { return m_toolButtons.value(key); }
-    QString fieldText(int index) const;
+    QString fieldText(int index) const override;
     void setFieldText(int index, const QString& text);
     bool listingRemote() const { return m_remote; }
     int beepCount() const { return m_beeps; }
@@ -70,6 +72,9 @@ public:
     void mnuListing_Click();
     void mnuOptions_Click();
     void mnuUpload_Click();
+    void mnuStart_Click();
+    void mnuEbayList_Click();
+    void mnuAllOpenRep_Click();
     void cmdAdStudio_Click();
     void cmdFind_Click(int index);
     void UpdateNavigation();
@@ -87,6 +92,17 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    // What the auction-site commands borrow from this window.
+    QString lengthText() const override;
+    void saveRecord() override;
+    void rereadRecord() override;
+    void refreshView() override;
+    void checkSiteView(SiteView view) override;
+    QString startFormListing() override;
+    void openOptions() override;
+    QWidget* ownerWindow() override { return this; }
+
+    ListingResult runListing(bool remote, bool escape);
     void buildToolbar();
     void bindFields();
     void connectCommands();

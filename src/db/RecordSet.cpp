@@ -80,6 +80,16 @@ void RecordSet::loadCurrent()
     m_rowQuery.finish();
 }
 
+void RecordSet::rereadCurrent()
+{
+    if (!hasCurrent())
+        return;
+    loadCurrent();
+    if (m_binding)
+        m_binding->showRecord(*this);
+    emit repositioned();
+}
+
 bool RecordSet::save()
 {
     if (m_dirty.isEmpty() || !hasCurrent())

@@ -62,6 +62,9 @@ public:
 
     // Runs the record source again and stands on its first row (BOF and EOF when it has none).
     bool refresh();
+    // Reads the current row again, dropping unwritten edits, and shows it: for values another
+    // statement has just stored.
+    void rereadCurrent();
     QString lastError() const { return m_lastError; }
 
     // An empty record set stands before the first and after the last row at once.

@@ -1,1 +1,31 @@
 #pragma once
+
+#include <QString>
+
+// The texts the auction-site commands show, as the seller has always read them.
+namespace WebTexts {
+
+inline const QString kMissingInformationTitle = QStringLiteral("Missing Information");
+inline const QString kUserIdRequired = QStringLiteral(
+    "Your eBay/Email address is required before viewing this report. Please supply on the "
+    "Options panel under the Automated Entry tab.");
+inline const QString kOutdatedReportTitle = QStringLiteral("Outdated Web Page Location");
+inline const QString kOutdatedReport = QStringLiteral(
+    "Version 2.1.4 and later requires an update to the Web Page Location for eBay Sellers "
+    "Report.  You have not updated that setting on the Options panel.  Please go there now and "
+    "read about how to update this setting.");
+// The report address must ask for the bidders' e-mail addresses.
+inline const QString kReportWithEmails = QStringLiteral("WithEmails");
+
+// The page every command leaves for the browser, in the application folder.
+inline const QString kShownPage = QStringLiteral("temp.htm");
+
+inline const QString kSaveFailedTitle = QStringLiteral("Error");
+inline QString updateFailed(const QString& why)
+{
+    return QLatin1String("The values read from the auction site could not be stored in "
+                         "tb2.mdb, so the items stay as they were.\n\n") +
+           why;
+}
+
+} // namespace WebTexts
