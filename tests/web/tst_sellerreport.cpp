@@ -1,0 +1,163 @@
+#include "../support/TestEnvironment.h"
+#include "ItemChanges.h"
+
+#include "platform/TextRoutines.h"
+#include "web/SellerReport.h"
+
+#include <QtTest>
+
+static QString fixture(const char* name)
+{
+    return QStringLiteral(TB_TEST_DATA_DIR "/web/") + QLatin1String(name);
+}
+
+static QList<ReportRow> report()
+{
+    return ReadSellerReport(ReadTextFile(fixture("report_items.htm")), 300, 0);
+}
+
+// Items 100301 to 100311 and one without an eBay number, all with earlier values.
+static void seed(TestEnvironment& env)
+{
+    QList<QVariantMap> rows;
+    for (int id = 100301; id <= 100312; ++id)
+        rows << QVariantMap{{"EbayID", id == 100312 ? QVariant() : QString::number(id)},
+                            {"LastPrice", 10000},
+                            {"SalePrice", 20000},
+                            {"BuyerEmail", "earlier@example.com"},
+                            {"LastChecked", "2000-01-09 00:00:00"}};
+    env.addItems(rows);
+}
+
+class TestSellerReport : public QObject
+{
+    Q_OBJECT
+private slots:
+    void takeLine_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("rest");
+        QTest::newRow("crlf") << "a\r\nb\r\n"
+                              << "a\r\n"
+                              << "b\r\n";
+        QTest::newRow("no feed") << "a\rb"
+                                 << ""
+                                 << "a\rb";
+    }
+    void takeLine()
+    {
+        QFETCH(QString, text);
+        QTEST(TakeLine(text), "line");
+        QTEST(text, "rest");
+    }
+
+    void rowsRead_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<int>("count");
+        QTest::addColumn<QString>("last"); // number|title
+        // The fixture's lines end in bare line feeds; reading it as a download does gives CR LF.
+        const QString page = ReadTextFile(fixture("report_items.htm"));
+        QTest::newRow("up to the blank number") << page << 11 << "100310|Last";
+        QTest::newRow("table ends")
+            << QString(page).replace("<tr><td><a href=\"/item/100303", "</table><tr><td>") << 2
+            << "100302|Oak chair";
+        QTest::newRow("no header") << ReadTextFile(fixture("report_signin.htm")) << 0 << "";
+        // Without CR LF after the header's "</tr>" the first row loses its "<".
+        QTest::newRow("bare line feeds left as they are") << QString(page).remove(u'\r') << 0 << "";
+        QString big = "<tr><th>High Bidder</th></tr>\r\n";
+        for (int i = 1; i <= kMaxReportRows + 3; ++i)
+            big += QString("<tr><td><a href=\"/i\">%1</a></td><td>06/01/99 10:00:00</td><td>"
+                           "06/08/99 10:00:00</td><td>$1</td><td>T</td><td>No Bids</td></tr>\r\n")
+                       .arg(i);
+        QTest::newRow("more than the limit") << big << kMaxReportRows << "5000|T";
+    }
+    void rowsRead()
+    {
+        QFETCH(QString, page);
+        const QList<ReportRow> rows = ReadSellerReport(page, 300, 0);
+        QTEST(int(rows.size()), "count");
+        QTEST(rows.isEmpty() ? QString() : rows.last().ItemNumber + u'|' + rows.last().Title,
+              "last");
+    }
+
+    void apply_data()
+    {
+        QTest::addColumn<QDateTime>("now");
+        QTest::addColumn<QVariantMap>("changed");
+        QVariantMap running;
+        QVariantMap ended;
+        const auto add = [&](int id, const char* started, const char* ends, int units,
+                             const QVariant& buyer) {
+            const QString item = QString::number(id) + u'.';
+            for (QVariantMap* m : {&running, &ended}) {
+                m->insert(item + "LastPrice", units);
+                m->insert(item + "DateAuctionStarted", started);
+                m->insert(item + "DateAuctionEnds", ends);
+            }
+            running[item + "LastChecked"] = "1990-01-01 00:00:00";
+            ended[item + "LastChecked"] = "2024-06-25 12:00:00";
+            if (buyer.isValid()) {
+                ended[item + "BuyerEmail"] = buyer;
+                ended[item + "SalePrice"] = units;
+            }
+        };
+        const char* start = "1999-06-03 12:00:00";
+        const char* end = "1999-06-10 15:00:00";
+        add(100301, "1999-06-01 10:00:00", "1999-06-08 13:00:00", 10125000, "ann@example.com");
+        add(100302, "2024-06-20 08:00:00", "2024-06-27 11:00:00", 200000, {});
+        add(100303, "1999-06-02 11:00:00", "1999-06-10 02:30:00", 50000, "No Bids");
+        add(100304, start, end, 72500, "o'neil@example.com");
+        add(100305, start, end, 80000, "b'c@example.com"); // from a'b'c@
+        add(100306, start, end, 90000, "x\"; DELETE FROM Items; --");
+        add(100307, start, end, 100000, "new@example.com");
+        add(100308, start, end, 110000, "");
+        add(100310, start, end, 150000, "No Bids");
+        QTest::newRow("running and ended") << QDateTime(QDate(2024, 6, 25), QTime(12, 0)) << ended;
+        QTest::newRow("all running") << QDateTime(QDate(1990, 1, 1), QTime(0, 0)) << running;
+    }
+    // Only the end moves to the local clock. Unknown items, the number 1'OR'1'='1, the undated
+    // row and rows after the blank number change nothing.
+    void apply()
+    {
+        QFETCH(QDateTime, now);
+        TestEnvironment env;
+        seed(env);
+        const QSqlDatabase db = env.context().itemDatabase;
+        const QVariantMap before = itemsSnapshot(db);
+        const ApplyResult result = ApplySellerReport(db, report(), now);
+        QVERIFY2(result.ok, qPrintable(result.error));
+        QCOMPARE(result.statements, 10);
+        QTEST(itemsChanged(before, db), "changed");
+    }
+
+    void failurePartWayRollsBack()
+    {
+        TestEnvironment env;
+        seed(env);
+        const QSqlDatabase db = env.context().itemDatabase;
+        QSqlQuery(QStringLiteral("CREATE TRIGGER refuse BEFORE UPDATE ON Items WHEN "
+                                 "OLD.EbayID = '100305' BEGIN SELECT RAISE(ABORT, 'no'); END"),
+                  db);
+        const QVariantMap before = itemsSnapshot(db);
+        const ApplyResult result = ApplySellerReport(db, report(), QDateTime::currentDateTime());
+        QVERIFY(!result.ok && !result.error.isEmpty());
+        QCOMPARE(itemsChanged(before, db), QVariantMap());
+    }
+
+    void address()
+    {
+        const QString report = "/aw-cgi/eBayISAPI.dll?MfcISAPICommand=ViewListedItemsWithEmails"
+                               "&rows=0&userid=";
+        QCOMPARE(sellerReportAddress(report, "me@example.com", "1", "secret"),
+                 report + "me@example.com&since=1&sort=2&requested=me@example.com&pass=secret");
+        // A password is sent as typed, whatever characters it holds.
+        QCOMPARE(
+            sellerReportAddress(report, "me@example.com", "1", "a&b#c d%+=").section("&pass=", 1),
+            "a%26b%23c%20d%25%2B%3D");
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSellerReport)
+#include "tst_sellerreport.moc"
