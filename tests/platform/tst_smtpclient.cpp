@@ -1,0 +1,211 @@
+#include "../support/SmtpFixture.h"
+#include "platform/ScriptedPrompts.h"
+#include "platform/SmtpClient.h"
+#include "platform/SmtpErrors.h"
+
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+// A secure-mail case: the server's options ("cert" stands for the test certificate and key),
+// what the client asks for, which certificate it trusts ("own", "other"), and what testing the
+// connection and sending one message give (0 = success).
+// clang-format off
+struct Secure { QStringList serverOptions; QString security, user, password, trust; int testCode, sendCode; QString notice; QStringList events; };
+// clang-format on
+} // namespace
+
+class tst_SmtpClient : public QObject
+{
+    Q_OBJECT
+
+    TestCertificate m_cert, m_otherCert;
+
+    static SmtpClient::Server local(int port, MailSecurity security = MailSecurity::None)
+    {
+        return {u"127.0.0.1"_s, port, security, {}, {}};
+    }
+
+private slots:
+    void errorTexts_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("notice");
+        QTest::addColumn<QString>("text");
+        // clang-format off
+        QTest::newRow("first")     << 22201 << "" << "Invalid handle to SMTP Client.";
+        QTest::newRow("host")      << 22205 << "" << "Cannot resolve host name.  The name specified in Remote Mail Host does not exist.  Please check with your ISP for the correct Mail Server.";
+        QTest::newRow("no stop")   << 22206 << "" << "Cannot create socket";
+        QTest::newRow("last")      << 22219 << "" << "Client operation was cancelled.";
+        QTest::newRow("below")     << 22200 << "" << "Error #22200";
+        QTest::newRow("above")     << 22220 << "" << "Error #22220";
+        QTest::newRow("notice")    << 22207 << "Why." << "Cannot connect to remote server.\r\n\r\nWhy.";
+        // clang-format on
+    }
+    void errorTexts()
+    {
+        QFETCH(int, code);
+        QFETCH(QString, notice);
+        QFETCH(QString, text);
+        ScriptedPrompts prompts;
+        ShowSmtpError(prompts, code, notice);
+        QCOMPARE(prompts.shown().size(), 1);
+        const ScriptedPrompts::Shown& box = prompts.shown().first();
+        QCOMPARE(box.text,
+                 "The attempt to connect failed with the following message:\r\n\r\n" + text);
+        QCOMPARE(box.title, u"Connection failed"_s);
+        QCOMPARE(box.icon, PromptIcon::Exclamation);
+        QCOMPARE(box.buttons, PromptButtons::Ok);
+    }
+
+    // The stored settings as a server: bad ports and unknown security settings are refused,
+    // never turned into a plain connection.
+    void settings_data()
+    {
+        QTest::addColumn<QString>("port");
+        QTest::addColumn<QString>("security");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<int>("kind");
+        // clang-format off
+        QTest::newRow("defaults")  << "25"   << ""         << 0     << int(MailSecurity::None);
+        QTest::newRow("blanks")    << " 25 " << " none "   << 0     << int(MailSecurity::None);
+        QTest::newRow("starttls")  << "587"  << "starttls" << 0     << int(MailSecurity::StartTls);
+        QTest::newRow("ssl")       << "465"  << "SSL"      << 0     << int(MailSecurity::Tls);
+        QTest::newRow("ssl/tls")   << "465"  << "SSL/TLS"  << 0     << int(MailSecurity::Tls);
+        QTest::newRow("port 0")    << "0"    << ""         << 22202 << int(MailSecurity::None);
+        QTest::newRow("port text") << "2x5"  << ""         << 22202 << int(MailSecurity::None);
+        QTest::newRow("too big")   << "70000"<< ""         << 22202 << int(MailSecurity::None);
+        QTest::newRow("unknown")   << "25"   << "SSL3"     << 22202 << -1;
+        // clang-format on
+    }
+    void settings()
+    {
+        QFETCH(QString, port);
+        QFETCH(QString, security);
+        QFETCH(int, code);
+        QFETCH(int, kind);
+        const MailServerSettings s =
+            mailServerFromSettings(u" mail.test "_s, port, security, u" seller "_s, u" pw "_s);
+        QCOMPARE(s.problem.code, code);
+        QCOMPARE(s.server.host, u"mail.test"_s);
+        QCOMPARE(s.server.password, u" pw "_s); // a password is taken as typed
+        if (kind < 0) {
+            QVERIFY(s.problem.notice.contains(u"\"SSL3\""));
+        } else {
+            QCOMPARE(int(s.server.security), kind);
+            QCOMPARE(mailSecurityFromSetting(settingForMailSecurity(s.server.security)),
+                     s.server.security);
+        }
+    }
+
+    // Two messages over one connection: the envelope as given, the data arriving byte for byte
+    // (lines that start with a dot included), each piece announced as it goes, goodbye at the end.
+    void delivery()
+    {
+        MailServer server;
+        QVERIFY(server.isRunning());
+        SmtpClient client;
+        QStringList steps;
+        connect(&client, &SmtpClient::envelopeStarted, this, [&] { steps << u"envelope"_s; });
+        connect(&client, &SmtpClient::pieceStarted, this,
+                [&](int i) { steps << QString::number(i); });
+        const QList<QByteArray> pieces = {"Subject: dots\r\n", "", "\r\n",
+                                          ".one\r\n..two\r\n.\r\n\r\n.\r\nend"};
+        const QByteArray sent = pieces.join() + "\r\n";
+        for (int round = 0; round < 2; ++round) {
+            const SmtpClient::Result r =
+                client.send(local(server.port()), u" seller@example.com "_s,
+                            {u"buyer@example.com"_s, u"cc@example.com"_s}, pieces);
+            QVERIFY2(r.ok(), qPrintable(r.detail));
+        }
+        QCOMPARE(client.disconnectFromHost().code, 0);
+        QCOMPARE(steps.join(u' '), u"envelope 0 1 2 3 envelope 0 1 2 3"_s);
+        const QList<ReceivedMail> mails = server.messages();
+        QCOMPARE(mails.size(), 2);
+        for (const ReceivedMail& mail : mails) {
+            QCOMPARE(mail.from, u"seller@example.com"_s);
+            QCOMPARE(mail.to, (QStringList{u"buyer@example.com"_s, u"cc@example.com"_s}));
+            QCOMPARE(mail.data, sent);
+        }
+        QCOMPARE(server.events().filter(u"EHLO").size(), 1); // the connection was kept
+        QCOMPARE(server.events().last(), u"QUIT"_s);
+    }
+
+    void secureAndSignIn_data()
+    {
+        QTest::addColumn<Secure>("row");
+        const QStringList starttls{"--starttls", "cert"}, tls{"--tls", "cert"};
+        const QStringList login{"--auth", "seller:secret", "--mechanisms", "LOGIN"};
+        const QStringList plain{"--auth", "seller:secret", "--mechanisms", "PLAIN"};
+        const QString untrusted = SmtpNotice::certificateNotTrusted();
+        // clang-format off
+        QTest::newRow("STARTTLS")           << Secure{starttls, "STARTTLS", "", "", "own", 0, 0, "", {"STARTTLS"}};
+        QTest::newRow("SSL")                << Secure{tls, "SSL", "", "", "own", 0, 0, "", {}};
+        QTest::newRow("STARTTLS untrusted") << Secure{starttls, "STARTTLS", "", "", "other", 22207, 22207, untrusted, {"STARTTLS"}};
+        QTest::newRow("SSL untrusted")      << Secure{tls, "SSL", "", "", "other", 22207, 22207, untrusted, {}};
+        QTest::newRow("no STARTTLS")        << Secure{{}, "STARTTLS", "", "", "own", 22210, 22210, SmtpNotice::startTlsNotOffered(), {}};
+        QTest::newRow("SSL to plain port")  << Secure{{}, "SSL", "", "", "own", 22207, 22207, SmtpNotice::secureConnectionFailed(), {}};
+        QTest::newRow("LOGIN")              << Secure{login, "", "seller", "secret", "", 0, 0, "", {"AUTH LOGIN seller ok"}};
+        QTest::newRow("PLAIN")              << Secure{plain, "", "seller", "secret", "", 0, 0, "", {"AUTH PLAIN seller ok"}};
+        QTest::newRow("wrong password")     << Secure{plain, "", "seller", "guess", "", 22210, 22210, SmtpNotice::signInRefused(), {"AUTH PLAIN seller refused"}};
+        QTest::newRow("sign-in wanted")     << Secure{plain, "", "", "", "", 0, 22210, SmtpNotice::signInRequired(), {}};
+        QTest::newRow("STARTTLS and LOGIN") << Secure{starttls + login, "STARTTLS", "seller", "secret", "own", 0, 0, "", {"STARTTLS", "AUTH LOGIN seller ok"}};
+        // clang-format on
+    }
+    void secureAndSignIn()
+    {
+        QFETCH(Secure, row);
+        if (!row.trust.isEmpty() && !(m_cert.isMade() && m_otherCert.isMade()))
+            QSKIP("the openssl program is needed to make test certificates");
+        QStringList options;
+        for (const QString& o : std::as_const(row.serverOptions))
+            options << (o == u"cert" ? QStringList{m_cert.cert(), m_cert.key()} : QStringList{o});
+        MailServer server(options);
+        QVERIFY(server.isRunning());
+        const TrustedAuthority trust(row.trust == u"other" ? m_otherCert.cert() : m_cert.cert());
+
+        SmtpClient client;
+        client.setTimeoutSeconds(5);
+        SmtpClient::Server s = local(server.port(), *mailSecurityFromSetting(row.security));
+        s.user = row.user;
+        s.password = row.password;
+        const SmtpClient::Result test = client.testConnection(s);
+        QCOMPARE(test.code, row.testCode);
+        const SmtpClient::Result sent =
+            client.send(s, u"seller@example.com"_s, {u"buyer@example.com"_s}, {"\r\nHello\r\n"});
+        QVERIFY2(sent.code == row.sendCode, qPrintable(QString::number(sent.code) + sent.detail));
+        QCOMPARE(sent.notice, row.notice);
+        client.disconnectFromHost();
+        QCOMPARE(server.messages().size(), row.sendCode == 0 ? 1 : 0);
+        if (row.sendCode == 0)
+            QCOMPARE(server.messages().first().data, QByteArray("\r\nHello\r\n"));
+        const QStringList events = server.events();
+        for (const QString& e : std::as_const(row.events))
+            QVERIFY2(events.contains(e), qPrintable(events.join(u'|')));
+        if (row.testCode == 0) // the test said goodbye
+            QVERIFY2(events.count(u"QUIT"_s) >= 1, qPrintable(events.join(u'|')));
+    }
+
+    // Abort from the window while the server keeps silent: the client returns at once.
+    void cancel()
+    {
+        MailServer server({u"--hang"_s});
+        QVERIFY(server.isRunning());
+        SmtpClient client;
+        client.setTimeoutSeconds(60);
+        QTimer::singleShot(300, &client, &SmtpClient::cancel);
+        QElapsedTimer clock;
+        clock.start();
+        const SmtpClient::Result r = client.testConnection(local(server.port()));
+        QCOMPARE(r.code, 22219);
+        QVERIFY(r.notice.isEmpty());
+        QVERIFY(clock.elapsed() < 10000);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_SmtpClient)
+#include "tst_smtpclient.moc"
