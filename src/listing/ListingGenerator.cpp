@@ -81,9 +81,6 @@ class Builder
 public:
     Builder(const ListingRequest& request, const Theme& theme) : m_request(request), m_theme(theme)
     {
-        m_prefix = request.imageLoc;
-        if (!m_prefix.endsWith(u'/'))
-            m_prefix += u'/';
         // Every colour is turned into its HTML form once, before anything is built.
         m_tableColor = ColorToHtml(theme.tableColor);
         for (int i = 0; i < kFontGroupCount; ++i)
@@ -97,7 +94,7 @@ private:
 
     QString remoteReference(const QString& path) const
     {
-        return m_prefix + UrlPathEscape(FileNameOfPath(path));
+        return webImageAddress(m_request.imageLoc, path);
     }
     // A file URL of a path on this disk; documented with "file:///" or "file://" before a drive
     // letter. An absolute path of this platform brings its own leading "/", so it always gets
@@ -149,7 +146,6 @@ private:
 
     const ListingRequest& m_request;
     const Theme& m_theme;
-    QString m_prefix;
     QString m_tableColor;
     FontStyle m_fonts[kFontGroupCount];
     QString m_text;
@@ -250,7 +246,7 @@ QString Builder::build(QList<ThemeSetMessage>& messages)
 
     borderImage(media.borderImgTop);
     titleImage(media.titleImgLeft);
-    fontBlock(Role::Heading, trimBlanks(r.shortDescription));
+    fontBlock(Role::Heading, listingItemText(r.shortDescription));
     m_text += QLatin1String("</font>");
     titleImage(media.titleImgRight);
     line(QStringLiteral("<br>"));
@@ -392,6 +388,31 @@ ListingResult generateListing(const ListingRequest& request)
 QString listingFilePath(const QString& appPath)
 {
     return appPath + QStringLiteral("/listing.htm");
+}
+
+QString listingItemText(const QString& text)
+{
+    return trimBlanks(text);
+}
+
+QString webImageAddress(const QString& imageLoc, const QString& path)
+{
+    QString prefix = imageLoc;
+    if (!prefix.endsWith(u'/'))
+        prefix += u'/';
+    return prefix + UrlPathEscape(FileNameOfPath(path));
+}
+
+std::array<QString, 3> listingPictureAddresses(const ListingRequest& request)
+{
+    std::array<QString, 3> addresses;
+    const QString paths[3] = {request.picture1Path, request.picture2Path, request.picture3Path};
+    for (int i = 0; i < 3; ++i) {
+        const QString path = trimBlanks(paths[i]);
+        if (!path.isEmpty())
+            addresses[i] = webImageAddress(request.imageLoc, path);
+    }
+    return addresses;
 }
 
 int PointSizeToHtmlSize(int pointSize)

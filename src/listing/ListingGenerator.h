@@ -5,6 +5,8 @@
 #include <QList>
 #include <QString>
 
+#include <array>
+
 // The media of the theme in use, as the Ad Studio's controls hold them (paths already expanded).
 // The listing takes these from the editor, not from the themeset file, so edits that were not
 // saved still show.
@@ -79,6 +81,15 @@ ListingResult generateListing(const ListingRequest& request);
 
 // appPath + "/listing.htm"
 QString listingFilePath(const QString& appPath);
+
+// An item box's text as the listing places it: leading and trailing blanks dropped.
+QString listingItemText(const QString& text);
+// The web address of a file uploaded to imageLoc: the location, a "/" when it lacks one, and the
+// file's name without its folder, escaped.
+QString webImageAddress(const QString& imageLoc, const QString& path);
+// The web addresses under which a listing made from this request refers to pictures 1..3 when
+// they come from the web space; "" for a blank picture box.
+std::array<QString, 3> listingPictureAddresses(const ListingRequest& request);
 
 // The small conversions the listing is built from.
 // Point size -> HTML font size 1..7 (sizes below 8 give 0 or less).
