@@ -1,0 +1,226 @@
+#include "listing/ListingGenerator.h"
+#include "platform/TextRoutines.h"
+#include "web/StartForm.h"
+
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+// The form under tests/data/web/startform is filled and compared character for character with the
+// expected pages there; variations are checked as the pieces in which they differ from the page
+// filled for a fresh settings store.
+
+namespace {
+
+QString readData(const QString& name)
+{
+    QFile file(qEnvironmentVariable("TB_SOURCE_DIR") + u"/tests/data/web/startform/"_s + name);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+// A fresh settings store and an item with a short description, minimum bid and listing, then
+// the "name=value" assignments (names as the members, payment1..9, shipping1..4, picture1..3 for
+// the paths, address1..3 for the web addresses, shipInternationally=true).
+StartFormValues values(const QStringList& assignments)
+{
+    StartFormValues v;
+    QHash<QString, QString*> fields = {
+        {u"userEmail"_s, &v.userEmail},   {u"ebayPassword"_s, &v.ebayPassword},
+        {u"location"_s, &v.location},     {u"region"_s, &v.region},
+        {u"regionNum"_s, &v.regionNum},   {u"country"_s, &v.country},
+        {u"countryNum"_s, &v.countryNum}, {u"shortDescription"_s, &v.shortDescription},
+        {u"reserve"_s, &v.reserve},       {u"minBid"_s, &v.minBid},
+        {u"length"_s, &v.length}};
+    for (int k = 1; k <= 9; ++k)
+        fields.insert(u"payment%1"_s.arg(k), &v.paymentOpt[k - 1]);
+    for (int k = 1; k <= 4; ++k)
+        fields.insert(u"shipping%1"_s.arg(k), &v.shippingOpt[k - 1]);
+    for (int k = 1; k <= 3; ++k) {
+        fields.insert(u"picture%1"_s.arg(k), &v.picturePaths[k - 1]);
+        fields.insert(u"address%1"_s.arg(k), &v.pictureAddresses[k - 1]);
+    }
+    v.region = v.regionNum = u"Do not list regionally"_s;
+    v.country = u"United States"_s;
+    v.countryNum = u"1"_s;
+    std::fill_n(v.paymentOpt, 8, u"0"_s);
+    v.paymentOpt[8] = u"1"_s;
+    std::fill_n(v.shippingOpt, 3, u"0"_s);
+    v.shippingOpt[3] = u"1"_s;
+    v.shortDescription = u"Brass lamp"_s;
+    v.minBid = u"5"_s;
+    v.length = u"7"_s;
+    v.listingHtml = HtmlEscape(u"</BLOCKQUOTE>\r\n<br>\r\n<table><tr><td>Lamp</td></tr></table>"_s);
+    for (const QString& assignment : assignments) {
+        const QString name = assignment.section(u'=', 0, 0);
+        if (name == u"shipInternationally")
+            v.shipInternationally = true;
+        else if (QString* field = fields.value(name))
+            *field = assignment.section(u'=', 1);
+        else
+            qFatal("unknown value %s", qPrintable(name));
+    }
+    return v;
+}
+
+const QString kLogo = uR"(value="HTTP://pics.ebay.com/aw/pics/logo_lower_tb.gif">)"_s;
+
+} // namespace
+
+class TestStartForm : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        m_form = readData(u"form.htm"_s);
+        QVERIFY(!m_form.isEmpty());
+    }
+
+    void filledPages_data()
+    {
+        QTest::addColumn<QStringList>("assignments");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("fresh store") << QStringList() << u"fresh.htm"_s;
+        // Every field; keys that read as 1 in several ways and keys that do not; values that
+        // would need escaping go in as they are; picture 2 is the first with a web address.
+        // clang-format off
+        QTest::newRow("rich item") << QStringList{
+            u"userEmail=seller@example.com"_s, u"ebayPassword=s3cret&<x>"_s,
+            uR"(location=Springfield, "IL")"_s, u"region=New York"_s, u"regionNum=44"_s,
+            u"country=Canada"_s, u"countryNum=2"_s,
+            u"payment1=1"_s, u"payment2= 1"_s, u"payment3=1.0"_s, u"payment5=1"_s,
+            u"payment6="_s, u"payment7=yes"_s, u"payment8=2"_s, u"payment9=0"_s,
+            u"shipping2=1"_s, u"shipping4=0"_s, u"shipInternationally=true"_s,
+            uR"(shortDescription=  Brass lamp "Aurora"  )"_s,
+            u"picture2= C:\\My Pictures\\lamp 1.jpg"_s,
+            u"address2=http://example.com/pics/lamp%201.jpg"_s,
+            u"picture3=/home/wren/pics/lamp#2.gif"_s,
+            u"address3=http://example.com/pics/lamp%232.gif"_s,
+            u"reserve=25.00"_s, u"minBid=9.99"_s, u"length=10"_s} << u"rich.htm"_s;
+        // clang-format on
+    }
+    void filledPages()
+    {
+        QFETCH(QStringList, assignments);
+        QFETCH(QString, expected);
+        QCOMPARE(FillStartForm(m_form, values(assignments)), readData(expected));
+    }
+
+    // The addresses the rich item uses are the ones its listing refers to.
+    void pictureAddressesOfTheListing()
+    {
+        ListingRequest listing;
+        listing.imageLoc = u"http://example.com/pics"_s;
+        listing.picture1Path = u"   "_s;
+        listing.picture2Path = u" C:\\My Pictures\\lamp 1.jpg"_s;
+        listing.picture3Path = u"/home/wren/pics/lamp#2.gif"_s;
+        const std::array<QString, 3> expected = {QString(),
+                                                 u"http://example.com/pics/lamp%201.jpg"_s,
+                                                 u"http://example.com/pics/lamp%232.gif"_s};
+        QCOMPARE(listingPictureAddresses(listing), expected);
+    }
+
+    void variations_data()
+    {
+        QTest::addColumn<QStringList>("assignments");
+        // Pairs: a piece of the fresh filled page and what it becomes, in page order.
+        QTest::addColumn<QStringList>("pieces");
+        const auto row = [](const QString& name, const QStringList& assignments,
+                            const QStringList& pieces = {}) {
+            QTest::newRow(qPrintable(name)) << assignments << pieces;
+        };
+
+        for (const QString& reserve : {u"0"_s, u""_s, u"about 20"_s, u"-3"_s})
+            row(u"reserve '%1'"_s.arg(reserve), {u"reserve="_s + reserve});
+        const QString reserve = uR"(name="reserve" size=13 maxlength=11)"_s;
+        row("reserve with blanks inside", {u"reserve= 1 5"_s},
+            {reserve + u'>', reserve + uR"( value=" 1 5">)"_s});
+        const QStringList seven = {u"<option value=7 selected>7"_s, uR"(<option value="7">7)"_s};
+        row("length 3", {u"length=3"_s},
+            QStringList{u"<option value=3>3"_s, uR"(<option value="3" selected>3)"_s} + seven);
+        row("length 5", {u"length=5"_s},
+            QStringList{u"<option value=5>5"_s, uR"(<option value="5" selected>5)"_s} + seven);
+        row("length 10", {u"length=10"_s},
+            seven + QStringList{u"<option value=10>10"_s, uR"(<option value="10" selected>10)"_s});
+        for (const QString& length : {u"7"_s, u"10 "_s, u"14"_s})
+            row(u"length '%1'"_s.arg(length), {u"length="_s + length});
+
+        const QStringList zero = {uR"(<OPTION SELECTED VALUE="0">)"_s, uR"(<OPTION VALUE="0">)"_s};
+        const QStringList boston =
+            zero + QStringList{uR"(<OPTION VALUE="12">)"_s, uR"(<OPTION SELECTED VALUE="12">)"_s};
+        row("not regionally, any case, blanks",
+            {u"region= do NOT list Regionally  "_s, u"regionNum=0"_s});
+        row("region", {u"region=Boston"_s, u"regionNum=12"_s}, boston);
+        row("region found after trimming", {u"region=  Boston "_s, u"regionNum=12"_s}, boston);
+        row("region number not on the form", {u"region=Boston"_s, u"regionNum=13"_s}, zero);
+        row("country", {u"country=United Kingdom"_s, u"countryNum=3"_s},
+            {uR"(<OPTION SELECTED VALUE="1">)"_s, uR"(<OPTION VALUE="1">)"_s,
+             uR"(<OPTION VALUE="3">)"_s, uR"(<OPTION SELECTED VALUE="3">)"_s});
+
+        const auto checked = [](const QStringList& fields) {
+            QStringList pieces;
+            for (const QString& field : fields)
+                pieces << u"name=\"%1\""_s.arg(field) << u"name=\"%1\" checked"_s.arg(field);
+            return pieces;
+        };
+        row("payments 1 to 8 read as 1",
+            {u"payment1=1"_s, u"payment2= 1"_s, u"payment3=1.0"_s, u"payment4=1e0"_s,
+             u"payment5=01"_s, u"payment6=+1"_s, u"payment7=1 "_s, u"payment8=1abc"_s},
+            checked({u"moneyOrderAccepted"_s, u"paymentCOD"_s, u"personalChecksAccepted"_s,
+                     u"onlineEscrow"_s, u"visaMasterCardAccepted"_s, u"amExAccepted"_s,
+                     u"discoverAccepted"_s, u"otherAccepted"_s}));
+        row("payment keys not 1, payment 9 not 0",
+            {u"payment1=2"_s, u"payment2="_s, u"payment3=yes"_s, u"payment4=0.5"_s,
+             u"payment5=11"_s, u"payment6=-1"_s, u"payment9=2"_s});
+        row("payment 9 is 0.0", {u"payment9= 0.0 "_s},
+            {uR"(name="paymentSeeDescription" checked value="on")"_s,
+             uR"(name="paymentSeeDescription" value="on")"_s});
+        row("shipping 1 to 3", {u"shipping1=1"_s, u"shipping2=1"_s, u"shipping3= 1"_s},
+            checked({u"sellerPaysShipping"_s, u"buyerPaysShippingActual"_s,
+                     u"buyerPaysShippingFixed"_s}));
+
+        const QString empty = uR"(value="http://">)"_s;
+        const auto pictures = [&](const char* address) {
+            return QStringList{empty, kLogo, empty, uR"(value="%1">)"_s.arg(address)};
+        };
+        row("picture in slot 3 only", {u"picture3=C:\\c.jpg"_s, u"address3=http://h/c.jpg"_s},
+            pictures("http://h/c.jpg"));
+        row("pictures 1 to 3: 1 wins",
+            {u"picture1=a.jpg"_s, u"address1=http://h/a.jpg"_s, u"picture2=b.jpg"_s,
+             u"address2=http://h/b.jpg"_s, u"picture3=c.jpg"_s, u"address3=http://h/c.jpg"_s},
+            pictures("http://h/a.jpg"));
+        row("picture without a web address", {u"picture1=a.jpg"_s}, {empty, kLogo});
+        row("blank picture paths", {u"picture1=   "_s, u"address1=http://h/a.jpg"_s});
+    }
+    void variations()
+    {
+        QFETCH(QStringList, assignments);
+        QFETCH(QStringList, pieces);
+        QString expected = readData(u"fresh.htm"_s);
+        qsizetype from = 0;
+        for (qsizetype i = 0; i + 1 < pieces.size(); i += 2) {
+            const qsizetype at = expected.indexOf(pieces.at(i), from);
+            QVERIFY2(at >= 0, qPrintable(pieces.at(i)));
+            expected.replace(at, pieces.at(i).size(), pieces.at(i + 1));
+            from = at + pieces.at(i + 1).size();
+        }
+        QCOMPARE(FillStartForm(m_form, values(assignments)), expected);
+    }
+
+    void leadingNumbers()
+    {
+        const std::pair<const char*, double> rows[] = {
+            {"", 0},      {"abc", 0},     {"$5", 0},     {".", 0},   {" 1 ", 1},
+            {"\t1\n", 1}, {"1 0", 10},    {"12abc", 12}, {"1,5", 1}, {"- 3", -3},
+            {"+.5", 0.5}, {"1.2.3", 1.2}, {"2D1", 20},   {"1e+", 1}, {"1e999", 0}};
+        for (const auto& [text, number] : rows)
+            QVERIFY2(leadingNumber(QString::fromLatin1(text)) == number, text);
+    }
+
+private:
+    QString m_form;
+};
+
+QTEST_GUILESS_MAIN(TestStartForm)
+#include "tst_startform.moc"
