@@ -15,6 +15,12 @@ constexpr QStringView kInvalidMarker = u"<TITLE>eBay - Invalid";
 constexpr QStringView kTitleMarker = u"<TITLE>eBay item ";
 constexpr QStringView kDutchBidders = u"click here for Dutch Auction bidders";
 
+// The text up to the marker; "" when the marker is missing, as the value was before.
+QString take(const PageCursor& cursor, QStringView marker)
+{
+    return cursor.takeUpTo(marker).value_or(QStringView()).toString();
+}
+
 // A Started or Ends cell: the Pacific time up to the zone suffix ("PST", "PDT"), moved to the
 // local clock; unset when the cell holds no date.
 QDateTime readAuctionTime(PageCursor& cursor, QStringView label, int bias, int daylightDiff)
@@ -23,12 +29,11 @@ QDateTime readAuctionTime(PageCursor& cursor, QStringView label, int bias, int d
     cursor.cutAfter(u"<td width=\"36%\">");
     cursor.cutAfter(u"<");
     cursor.cutAfter(u">");
-    const QString text = cursor.takeUpTo(u"P").value_or(QString());
+    const QString text = take(cursor, u"P");
     if (text.isEmpty())
         return {};
     // Only the first comma goes, as it always did; a second one is left for the date reading.
-    return pacificToLocal(readSiteDate(ReplaceFirst(text, QStringLiteral(","), QString())), bias,
-                          daylightDiff);
+    return readPacificTime(ReplaceFirst(text, QStringLiteral(","), QString()), bias, daylightDiff);
 }
 
 QString readHighBid(PageCursor& cursor, int bidCount)
@@ -41,7 +46,7 @@ QString readHighBid(PageCursor& cursor, int bidCount)
         cursor.drop(3);
     if (cursor.startsWith(u"<a "))
         cursor.cutAfter(u">");
-    const QString text = cursor.takeUpTo(u"<").value_or(QString());
+    const QString text = take(cursor, u"<");
     if (text == kDutchBidders)
         return QString::number(bidCount) + QLatin1String(" Dutch bids.");
     if (text.isEmpty())
@@ -73,28 +78,29 @@ ItemPageValues ReadItemPage(QString& page, const QString& windowEbayId, int bias
         return v;
     }
 
-    PageCursor cursor(page);
+    const QString whole = page; // the cursor reads this while `page` is shortened
+    PageCursor cursor(whole);
     cursor.cutAfter(kTitleMarker);
     page = cursor.rest().toString();
 
-    v.itemNumber = cursor.takeUpTo(u" ").value_or(QString());
+    v.itemNumber = take(cursor, u" ");
     cursor.cutAfter(u" - ");
-    v.title = cursor.takeUpTo(u"<").value_or(QString());
+    v.title = take(cursor, u"<");
     cursor.cutAfter(u"<");
     cursor.cutAfter(u"><a href");
     cursor.cutAfter(u">");
-    v.category = cursor.takeUpTo(u"<").value_or(QString());
+    v.category = take(cursor, u"<");
 
     cursor.cutAfter(u"<td width=\"36%\"");
     cursor.cutAfter(u"<b>$");
-    v.price = readSiteMoney(cursor.takeUpTo(u"<").value_or(QString())).value_or(Money());
+    v.price = readSiteMoney(take(cursor, u"<")).value_or(Money());
 
     cursor.cutAfter(u"# of bids</font></td>");
     cursor.cutAfter(u"<td width=\"40%\"><b>");
     cursor.cutAfter(u"<");
     cursor.cutAfter(u">");
     bool isNumber = false;
-    const int bids = cursor.takeUpTo(u"<").value_or(QString()).trimmed().toInt(&isNumber);
+    const int bids = take(cursor, u"<").trimmed().toInt(&isNumber);
     if (isNumber)
         v.bidCount = bids;
 

@@ -1,13 +1,16 @@
 #include "web/PageCursor.h"
 
+#include <QHash>
 #include <QTimeZone>
+#include <QVarLengthArray>
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 void PageCursor::cutFrom(QStringView marker, qsizetype offset)
 {
-    const qsizetype at = rest().indexOf(marker);
+    const qsizetype at = m_rest.indexOf(marker);
     // Not found reads as position -1: the old reader's search gave 0 for "one before the first
     // character" and cut from there, so the text still loses a few characters.
     drop(at >= 0 ? at + offset : offset - 1);
@@ -15,16 +18,15 @@ void PageCursor::cutFrom(QStringView marker, qsizetype offset)
 
 void PageCursor::drop(qsizetype count)
 {
-    m_pos = std::min(m_text.size(), m_pos + std::max<qsizetype>(count, 0));
+    m_rest = m_rest.mid(std::min(m_rest.size(), std::max<qsizetype>(count, 0)));
 }
 
-std::optional<QString> PageCursor::takeUpTo(QStringView marker) const
+std::optional<QStringView> PageCursor::takeUpTo(QStringView marker) const
 {
-    const QStringView text = rest();
-    const qsizetype at = text.indexOf(marker);
+    const qsizetype at = m_rest.indexOf(marker);
     if (at < 0)
         return std::nullopt;
-    return text.left(at).toString();
+    return m_rest.left(at);
 }
 
 int pacificShiftMinutes(int bias, int daylightDiff)
@@ -34,19 +36,58 @@ int pacificShiftMinutes(int bias, int daylightDiff)
 
 QDateTime wallClock(QDate date, QTime time)
 {
-    QDateTime local(date, time);
-    return local.isValid() ? local : QDateTime(date, time, Qt::UTC);
+    static const QTimeZone zone = QTimeZone::systemTimeZone();
+    if (!zone.isValid()) {
+        const QDateTime local(date, time);
+        return local.isValid() ? local : QDateTime(date, time, Qt::UTC);
+    }
+    // The zone's offset is looked up once per day: working it out through the zone's rules (or
+    // the C library) for each of a report's thousands of dates costs more than storing them.
+    struct Day
+    {
+        int offset = 0;
+        bool uniform = false; // the clocks do not change that day
+    };
+    thread_local QHash<QDate, Day> days;
+    auto day = days.constFind(date);
+    if (day == days.cend()) {
+        if (days.size() > 4096)
+            days.clear();
+        const QDateTime first(date, QTime(0, 0), zone);
+        const QDateTime last(date, QTime(23, 59, 59), zone);
+        const bool uniform =
+            first.isValid() && last.isValid() && first.offsetFromUtc() == last.offsetFromUtc();
+        day = days.insert(date, Day{first.offsetFromUtc(), uniform});
+    }
+    if (day->uniform)
+        return QDateTime(date, time, Qt::OffsetFromUTC, day->offset);
+    const QDateTime exact(date, time, zone);
+    return exact.isValid() ? exact : QDateTime(date, time, Qt::UTC);
 }
+
+namespace {
+
+// Clock fields without a zone, kept in a UTC value so arithmetic never meets a daylight-saving
+// change of this machine.
+QDateTime fields(const QDateTime& value)
+{
+    return QDateTime(value.date(), value.time(), Qt::UTC);
+}
+
+QDateTime shifted(const QDateTime& pacificFields, int bias, int daylightDiff)
+{
+    if (!pacificFields.isValid())
+        return {};
+    const QDateTime moved =
+        pacificFields.addSecs(qint64(pacificShiftMinutes(bias, daylightDiff)) * 60);
+    return wallClock(moved.date(), moved.time());
+}
+
+} // namespace
 
 QDateTime pacificToLocal(const QDateTime& pacific, int bias, int daylightDiff)
 {
-    if (!pacific.isValid())
-        return {};
-    // Clock arithmetic on the fields alone: a daylight-saving change of this machine in between
-    // must not add or take away an hour.
-    const QDateTime moved = QDateTime(pacific.date(), pacific.time(), Qt::UTC)
-                                .addSecs(qint64(pacificShiftMinutes(bias, daylightDiff)) * 60);
-    return wallClock(moved.date(), moved.time());
+    return pacific.isValid() ? shifted(fields(pacific), bias, daylightDiff) : QDateTime();
 }
 
 namespace {
@@ -96,7 +137,7 @@ int yearOf(QStringView text)
     return y < 30 ? 2000 + y : 1900 + y;
 }
 
-QDate dateOf(const QList<QStringView>& parts)
+QDate dateOf(std::span<const QStringView> parts)
 {
     if (parts.size() != 3)
         return {};
@@ -145,7 +186,9 @@ QTime timeOf(QStringView clock, QStringView meridiem)
             clock.chop(2);
         }
     }
-    const QList<QStringView> fields = clock.split(u':');
+    QVarLengthArray<QStringView, 4> fields;
+    for (const QStringView field : clock.tokenize(u':', Qt::KeepEmptyParts))
+        fields.append(field);
     if (fields.size() < 2 || fields.size() > 3)
         return {};
     int hour = smallNumber(fields[0], 2);
@@ -166,9 +209,10 @@ QTime timeOf(QStringView clock, QStringView meridiem)
 
 } // namespace
 
-QDateTime readSiteDate(QStringView text)
+// The date text's clock fields (see readSiteDate), unset when it is no date.
+static QDateTime siteDateFields(QStringView text)
 {
-    QList<QStringView> parts;
+    QVarLengthArray<QStringView, 8> parts;
     qsizetype start = -1;
     for (qsizetype i = 0; i <= text.size(); ++i) {
         const bool separator = i == text.size() || isDateSeparator(text[i]);
@@ -183,18 +227,29 @@ QDateTime readSiteDate(QStringView text)
     const auto clock =
         std::find_if(parts.cbegin(), parts.cend(), [](QStringView p) { return p.contains(u':'); });
     const qsizetype dateParts = clock - parts.cbegin();
-    const QDate date = dateOf(parts.mid(0, dateParts));
+    const QDate date = dateOf(std::span(parts.cbegin(), clock));
     if (!date.isValid())
         return {};
     if (clock == parts.cend())
-        return wallClock(date, QTime(0, 0));
+        return QDateTime(date, QTime(0, 0), Qt::UTC);
     const qsizetype after = parts.size() - dateParts - 1;
     if (after > 1)
         return {};
     const QTime time = timeOf(*clock, after == 1 ? parts.last() : QStringView());
     if (!time.isValid())
         return {};
-    return wallClock(date, time);
+    return QDateTime(date, time, Qt::UTC);
+}
+
+QDateTime readSiteDate(QStringView text)
+{
+    const QDateTime read = siteDateFields(text);
+    return read.isValid() ? wallClock(read.date(), read.time()) : QDateTime();
+}
+
+QDateTime readPacificTime(QStringView text, int bias, int daylightDiff)
+{
+    return shifted(siteDateFields(text), bias, daylightDiff);
 }
 
 std::optional<Money> readSiteMoney(QStringView text)

@@ -9,16 +9,18 @@
 #include <optional>
 
 // The auction site's pages are read by searching literal markers (letter case counts) and
-// cutting away everything in front of them. A cursor holds the text still to be read; cutting
-// only moves a position, so reading a long page line by line copies nothing.
+// cutting away everything in front of them. A cursor is a view of the text still to be read:
+// cutting only moves its start, so reading a long page copies nothing. The text it reads must
+// outlive it.
 class PageCursor
 {
 public:
-    explicit PageCursor(QString text = {}) : m_text(std::move(text)) {}
+    explicit PageCursor(QStringView text) : m_rest(text) {}
+    explicit PageCursor(QString&&) = delete;
 
-    QStringView rest() const { return QStringView(m_text).mid(m_pos); }
-    bool startsWith(QStringView prefix) const { return rest().startsWith(prefix); }
-    bool contains(QStringView marker) const { return rest().contains(marker); }
+    QStringView rest() const { return m_rest; }
+    bool startsWith(QStringView prefix) const { return m_rest.startsWith(prefix); }
+    bool contains(QStringView marker) const { return m_rest.contains(marker); }
 
     // Keeps only the text after the first occurrence of the marker. A missing marker counts as
     // found just before the first character, so the text then loses its first
@@ -31,11 +33,10 @@ public:
     void drop(qsizetype count);
     // The text before the first occurrence of the marker, or nothing when it is missing (the
     // value being read then keeps what it held before).
-    std::optional<QString> takeUpTo(QStringView marker) const;
+    std::optional<QStringView> takeUpTo(QStringView marker) const;
 
 private:
-    QString m_text;
-    qsizetype m_pos = 0;
+    QStringView m_rest;
 };
 
 // Minutes from the site's Pacific clock to the local clock: 480 minus the bias, one hour less
@@ -45,8 +46,9 @@ int pacificShiftMinutes(int bias, int daylightDiff);
 // stays unset.
 QDateTime pacificToLocal(const QDateTime& pacific, int bias, int daylightDiff);
 
-// A local wall-clock time as a QDateTime. A time that falls into the hour skipped when clocks go
-// forward is kept with the same date and clock fields rather than lost.
+// A local wall-clock time as a QDateTime carrying the machine zone's offset at that moment. A
+// time that falls into the hour skipped when clocks go forward keeps its date and clock fields
+// rather than being lost.
 QDateTime wallClock(QDate date, QTime time);
 
 // The site's date text, read as liberally as the site has ever written it: month names (short
@@ -54,6 +56,9 @@ QDateTime wallClock(QDate date, QTime time);
 // and "," between the parts; two-digit years 00-29 as 20xx and 30-99 as 19xx; an optional
 // "h:mm" or "h:mm:ss" with optional AM/PM. Unset (invalid) when the text is no date.
 QDateTime readSiteDate(QStringView text);
+
+// readSiteDate and pacificToLocal in one step.
+QDateTime readPacificTime(QStringView text, int bias, int daylightDiff);
 
 // The site's money text: an optional "$" or "US $", thousands commas and surrounding blanks
 // around a plain amount. Nothing when it is no amount.

@@ -29,9 +29,10 @@ void enterCell(PageCursor& row)
     row.cutAfter(u">");
 }
 
-QString take(const PageCursor& row, QStringView marker)
+// The text up to the marker; empty when the marker is missing, as the cleared row held.
+QStringView upTo(const PageCursor& row, QStringView marker)
 {
-    return row.takeUpTo(marker).value_or(QString());
+    return row.takeUpTo(marker).value_or(QStringView());
 }
 
 // The bidder cell: "No Bids", or the address of a mailto link (any link that is not to a web
@@ -40,42 +41,43 @@ QString readBidder(PageCursor& row)
 {
     if (row.startsWith(u"No Bids"))
         return QStringLiteral("No Bids");
-    const QString head = row.rest().left(13).toString().toUpper();
-    if (head.startsWith(QLatin1String("<A HREF=")) &&
-        !head.startsWith(QLatin1String("<A HREF=\"HTTP"))) {
+    // Compared in capitals: any letter case of the tag and of the scheme.
+    if (row.rest().startsWith(u"<A HREF=", Qt::CaseInsensitive) &&
+        !row.rest().startsWith(u"<A HREF=\"HTTP", Qt::CaseInsensitive)) {
         row.cutAfter(u"mailto:");
-        return take(row, u"\">");
+        return upTo(row, u"\">").toString();
     }
     return {};
 }
 
-std::optional<ReportRow> readRow(const QString& line, int bias, int daylightDiff)
+std::optional<ReportRow> readRow(QStringView line, int bias, int daylightDiff)
 {
     PageCursor row(line);
     ReportRow r;
     row.cutAfter(u"\">");
-    r.ItemNumber = take(row, u"<");
+    r.ItemNumber = upTo(row, u"<").toString();
     if (r.ItemNumber.trimmed().isEmpty())
         return r; // the caller stops here
 
     enterCell(row);
-    r.Started = readSiteDate(take(row, u"</td>"));
+    r.Started = readSiteDate(upTo(row, u"</td>"));
     row.cutAfter(u"</td>");
     enterCell(row);
-    r.Ends = pacificToLocal(readSiteDate(take(row, u"<")), bias, daylightDiff);
+    r.Ends = readPacificTime(upTo(row, u"<"), bias, daylightDiff);
     enterCell(row);
     if (row.startsWith(u"<b>"))
         row.drop(3);
-    const std::optional<Money> price = readSiteMoney(take(row, u"<"));
+    const std::optional<Money> price = readSiteMoney(upTo(row, u"<"));
     enterCell(row);
-    r.Title = take(row, u"<");
+    r.Title = upTo(row, u"<").toString();
     enterCell(row);
     r.HighBidder = readBidder(row);
     // A further plain cell after the bidder's holds the bidder as the site wants it shown.
     if (row.contains(u"<td>")) {
         row.cutAfter(u"<td>");
         row.cutAfter(u">");
-        r.HighBidder = row.takeUpTo(u"<").value_or(r.HighBidder);
+        if (const auto cell = row.takeUpTo(u"<"))
+            r.HighBidder = cell->toString();
     }
     // A row with no readable dates or price is left out rather than storing made-up values.
     if (!r.Started.isValid() || !r.Ends.isValid() || !price)
@@ -84,10 +86,36 @@ std::optional<ReportRow> readRow(const QString& line, int bias, int daylightDiff
     return r;
 }
 
-// Wall-clock comparison: both are local clock readings, whatever zone object they carry.
-bool isBefore(const QDateTime& a, const QDateTime& b)
+// Compared as clock readings: both are local times, whatever zone object they carry.
+bool isBefore(const QDateTime& a, QDate date, QTime time)
 {
-    return QDateTime(a.date(), a.time(), Qt::UTC) < QDateTime(b.date(), b.time(), Qt::UTC);
+    const QDate day = a.date();
+    return day < date || (day == date && a.time() < time);
+}
+
+// The stored form of a date, the text DateText::toStorage gives, written digit by digit: going
+// through the locale's formatter costs more than the update itself over thousands of rows.
+QString storageText(const QDateTime& value)
+{
+    const QDate d = value.date();
+    const QTime t = value.time();
+    if (d.year() < 1000 || d.year() > 9999)
+        return DateText::toStorage(value);
+    char text[19];
+    const auto put = [&text](int at, int number, int digits) {
+        for (int i = at + digits - 1; i >= at; --i, number /= 10)
+            text[i] = char('0' + number % 10);
+    };
+    put(0, d.year(), 4);
+    put(5, d.month(), 2);
+    put(8, d.day(), 2);
+    put(11, t.hour(), 2);
+    put(14, t.minute(), 2);
+    put(17, t.second(), 2);
+    text[4] = text[7] = '-';
+    text[10] = ' ';
+    text[13] = text[16] = ':';
+    return QString::fromLatin1(text, sizeof text);
 }
 
 // A value placed in the address's query, with the characters that would end or garble it
@@ -128,7 +156,7 @@ QList<ReportRow> ReadSellerReport(const QString& page, int bias, int daylightDif
         const QStringView line = nextLine(table, pos);
         if (!line.startsWith(u"<tr><td>"))
             break;
-        const std::optional<ReportRow> row = readRow(line.toString(), bias, daylightDiff);
+        const std::optional<ReportRow> row = readRow(line, bias, daylightDiff);
         if (!row)
             continue;
         if (row->ItemNumber.trimmed().isEmpty())
@@ -148,6 +176,8 @@ QString sellerReportAddress(const QString& ebaySellerReport, const QString& user
 
 QString storedBuyerEmail(const QString& highBidder)
 {
+    if (!highBidder.contains(u'\''))
+        return highBidder;
     // The doubled text always holds a single "''" pair (ReplaceAll keeps one segment before
     // the last apostrophe), so reading it back as a quoted value is this one replacement.
     return ReplaceAll(highBidder, QStringLiteral("'"), QStringLiteral("''"))
@@ -165,22 +195,34 @@ ApplyResult ApplySellerReport(QSqlDatabase db, const QList<ReportRow>& rows, con
     if (!db.transaction())
         return fail(db.lastError().text());
 
-    const QDateTime localNow = now.toLocalTime();
-    const QString checked = DateText::toStorage(localNow);
+    // Named values: binding by position makes Qt build a name for every value anyway.
+    static const QString buyer = QStringLiteral(":buyer");
+    static const QString sale = QStringLiteral(":sale");
+    static const QString price = QStringLiteral(":price");
+    static const QString checked = QStringLiteral(":checked");
+    static const QString started = QStringLiteral(":started");
+    static const QString ends = QStringLiteral(":ends");
+    static const QString item = QStringLiteral(":item");
     QSqlQuery running(db);
     QSqlQuery ended(db);
     const bool prepared =
         running.prepare(QStringLiteral(
-            "UPDATE Items SET LastPrice = ?, LastChecked = ?, DateAuctionStarted = ?, "
-            "DateAuctionEnds = ? WHERE EbayID = ?")) &&
+            "UPDATE Items SET LastPrice = :price, LastChecked = :checked, "
+            "DateAuctionStarted = :started, DateAuctionEnds = :ends WHERE EbayID = :item")) &&
         ended.prepare(QStringLiteral(
-            "UPDATE Items SET BuyerEmail = ?, SalePrice = ?, LastPrice = ?, LastChecked = ?, "
-            "DateAuctionStarted = ?, DateAuctionEnds = ? WHERE EbayID = ?"));
+            "UPDATE Items SET BuyerEmail = :buyer, SalePrice = :sale, LastPrice = :price, "
+            "LastChecked = :checked, DateAuctionStarted = :started, DateAuctionEnds = :ends "
+            "WHERE EbayID = :item"));
     if (!prepared) {
         const QString error = (running.lastError().isValid() ? running : ended).lastError().text();
         db.rollback();
         return fail(error);
     }
+    const QDateTime localNow = now.toLocalTime();
+    const QDate today = localNow.date();
+    const QTime timeNow = localNow.time();
+    running.bindValue(checked, DateText::toStorage(localNow));
+    ended.bindValue(checked, DateText::toStorage(localNow));
 
     for (const ReportRow& row : rows) {
         if (row.ItemNumber.trimmed().isEmpty())
@@ -189,18 +231,16 @@ ApplyResult ApplySellerReport(QSqlDatabase db, const QList<ReportRow>& rows, con
         // other items (or none, with an error): such a row is not applied.
         if (row.ItemNumber.contains(u'\'') || !row.Started.isValid() || !row.Ends.isValid())
             continue;
-        const bool over = isBefore(row.Ends, localNow);
+        const bool over = isBefore(row.Ends, today, timeNow);
         QSqlQuery& update = over ? ended : running;
-        int i = 0;
         if (over) {
-            update.bindValue(i++, storedBuyerEmail(row.HighBidder));
-            update.bindValue(i++, row.Price.units());
+            update.bindValue(buyer, storedBuyerEmail(row.HighBidder));
+            update.bindValue(sale, row.Price.units());
         }
-        update.bindValue(i++, row.Price.units());
-        update.bindValue(i++, checked);
-        update.bindValue(i++, DateText::toStorage(row.Started));
-        update.bindValue(i++, DateText::toStorage(row.Ends));
-        update.bindValue(i++, row.ItemNumber);
+        update.bindValue(price, row.Price.units());
+        update.bindValue(started, storageText(row.Started));
+        update.bindValue(ends, storageText(row.Ends));
+        update.bindValue(item, row.ItemNumber);
         if (!update.exec()) {
             const QString error = update.lastError().text();
             db.rollback();
