@@ -280,7 +280,10 @@ void setOptions(CURL* h, Task& t, long timeout)
         curl_easy_setopt(h, CURLOPT_PASSWORD, t.password.constData());
     }
     if (t.kind == Task::Kind::Test) {
-        curl_easy_setopt(h, CURLOPT_CONNECT_ONLY, 1L);
+        // A harmless command once greeted, secured and signed in; the connection then stays
+        // cached, so closing it says goodbye (a connect-only session would just hang up).
+        curl_easy_setopt(h, CURLOPT_CUSTOMREQUEST, "NOOP");
+        curl_easy_setopt(h, CURLOPT_NOBODY, 1L);
     } else {
         curl_easy_setopt(h, CURLOPT_MAIL_FROM, t.sender.constData());
         curl_easy_setopt(h, CURLOPT_MAIL_RCPT, t.recipients.get());

@@ -29,6 +29,9 @@ OptionsRecord OptionsRecord::load(const SettingsStore& store)
     r.overwrite = flag("Overwrite");
     r.remoteSmtpHost = text("RemoteSMTPHost");
     r.remoteSmtpPort = text("RemoteSMTPPort");
+    r.smtpSecurity = text("SMTPSecurity");
+    r.smtpUser = text("SMTPUser");
+    r.smtpPassword = text("SMTPPassword");
 
     r.userEmail = text("UserEmail");
     r.ebayPassword = text("eBayPassword");

@@ -14,6 +14,7 @@ struct OptionsRecord
     bool uploadRelative = true;
     bool overwrite = false;
     QString remoteSmtpHost, remoteSmtpPort;
+    QString smtpSecurity, smtpUser, smtpPassword; // empty: plain SMTP, no signing in
     // identity and automatic entry
     QString userEmail, ebayPassword, location, region, regionNum, country, countryNum, feedback;
     int paymentOpt[9] = {0, 0, 0, 0, 0, 0, 0, 0, 1};

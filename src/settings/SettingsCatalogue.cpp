@@ -24,6 +24,10 @@ QList<SettingDef> buildCatalogue()
         {o, QStringLiteral("Overwrite"), T::Boolean, QStringLiteral("False")},
         {o, QStringLiteral("RemoteSMTPHost"), T::Text, {}},
         {o, QStringLiteral("RemoteSMTPPort"), T::Text, QStringLiteral("25")},
+        // secure mail: all empty means plain SMTP without signing in
+        {o, QStringLiteral("SMTPSecurity"), T::Text, {}}, // "", "STARTTLS" or "SSL"
+        {o, QStringLiteral("SMTPUser"), T::Text, {}},
+        {o, QStringLiteral("SMTPPassword"), T::Text, {}},
         // identity and automatic entry
         {o, QStringLiteral("UserEmail"), T::Text, {}},
         {o, QStringLiteral("eBayPassword"), T::Text, {}},

@@ -7,6 +7,8 @@
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
+#include "platform/SmtpClient.h"
+#include "platform/SmtpErrors.h"
 #include "settings/AppContext.h"
 #include "settings/CountryRegionLists.h"
 #include "settings/OptionsFields.h"
@@ -101,6 +103,8 @@ frmOptions::frmOptions(AppContext& ctx, QWidget* parent)
     text(ui.txtAuctionDir, "AuctionDir");
     text(ui.txtRemoteSMTPHost, "RemoteSMTPHost");
     text(ui.txtRemoteSMTPPort, "RemoteSMTPPort");
+    text(ui.txtSMTPUser, "SMTPUser");
+    text(ui.txtSMTPPassword, "SMTPPassword");
     text(ui.txtEbayStartPage, "EbayStartPage");
     text(ui.txteBayLeaveFeedback, "EbayLeaveFeedback");
     text(ui.txteBayViewFeedback, "EbayViewFeedback");
@@ -158,6 +162,10 @@ void frmOptions::fillLists()
     m_ui->cmbCountry->addItems(countryNames());
     for (const RegionEntry& region : regionEntries())
         m_ui->cmbRegion->addItem(region.name, region.code);
+    // The mail security list is in the order of MailSecurity; each entry keeps its stored text.
+    for (const MailSecurity security :
+         {MailSecurity::None, MailSecurity::StartTls, MailSecurity::Tls})
+        m_ui->cmbSMTPSecurity->setItemData(int(security), settingForMailSecurity(security));
 }
 
 void frmOptions::loadSettings()
@@ -196,6 +204,12 @@ void frmOptions::loadSettings()
     m_pendingRegion = m_ui->cmbRegion->currentIndex() < 0 ? region : m_ui->cmbRegion->currentText();
     m_pendingRegionNum = readSetting(store, o, QStringLiteral("RegionNum"));
 
+    const QString security = readSetting(store, o, QStringLiteral("SMTPSecurity"));
+    const std::optional<MailSecurity> known = mailSecurityFromSetting(security);
+    m_ui->cmbSMTPSecurity->setPlaceholderText(security);
+    m_ui->cmbSMTPSecurity->setCurrentIndex(known ? int(*known) : -1);
+    m_unknownSmtpSecurity = known ? QString() : security;
+
     updateProxyControls();
 }
 
@@ -206,6 +220,7 @@ void frmOptions::connectControls()
     connect(ui.cmdApply, &QPushButton::clicked, this, &frmOptions::applySettings);
     connect(ui.cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(ui.cmdTestFTP, &QPushButton::clicked, this, &frmOptions::onTestFtp);
+    connect(ui.cmdTestMail, &QPushButton::clicked, this, &frmOptions::onTestMail);
     connect(ui.cmdHelpHUL, &QPushButton::clicked, this, [this] {
         m_ctx.prompts.message(OptionsTexts::kHostUploadHelp, OptionsTexts::kHostUploadHelpTitle);
     });
@@ -324,6 +339,10 @@ bool frmOptions::applySettings()
     save(QStringLiteral("CountryNum"), m_pendingCountryNum);
     save(QStringLiteral("Region"), m_pendingRegion);
     save(QStringLiteral("RegionNum"), m_pendingRegionNum);
+    const int security = m_ui->cmbSMTPSecurity->currentIndex();
+    save(QStringLiteral("SMTPSecurity"),
+         security < 0 ? m_unknownSmtpSecurity
+                      : m_ui->cmbSMTPSecurity->itemData(security).toString());
     const bool written = store.saveAll(app, o, values);
 
     m_ctx.state.options = OptionsRecord::load(store);
@@ -361,4 +380,23 @@ void frmOptions::onTestFtp()
         m_ctx.prompts.message(OptionsTexts::connectionSucceeded(options.remoteHost));
     else
         ShowFtpError(m_ctx.prompts, result.code);
+}
+
+void frmOptions::onTestMail()
+{
+    const OptionsRecord& options = m_ctx.state.options;
+    const QString port = options.remoteSmtpPort.trimmed();
+    const MailServerSettings settings =
+        mailServerFromSettings(options.remoteSmtpHost, port.isEmpty() ? QStringLiteral("25") : port,
+                               options.smtpSecurity, options.smtpUser, options.smtpPassword);
+    SmtpClient::Result result = settings.problem;
+    if (result.ok()) {
+        SmtpClient client;
+        const WaitCursor wait;
+        result = client.testConnection(settings.server);
+    }
+    if (result.ok())
+        m_ctx.prompts.message(OptionsTexts::connectionSucceeded(options.remoteSmtpHost));
+    else
+        ShowSmtpError(m_ctx.prompts, result.code, result.notice);
 }

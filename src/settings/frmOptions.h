@@ -16,8 +16,8 @@ class frmOptions;
 }
 
 // The Options dialog: edits every setting of the "Options" section, tidies some fields when
-// they lose the focus and tests the FTP connection with the settings last applied. Open it
-// modally (exec()); Apply and OK write the store and refresh ctx.state.options.
+// they lose the focus and tests the FTP and mail connections with the settings last applied.
+// Open it modally (exec()); Apply and OK write the store and refresh ctx.state.options.
 class frmOptions : public QDialog
 {
     Q_OBJECT
@@ -43,6 +43,7 @@ private:
 
     void onOk();
     void onTestFtp();
+    void onTestMail();
 
     // A text field and the key it is kept under.
     struct TextField
@@ -78,6 +79,8 @@ private:
     // The list choices Apply writes; a stored value outside the lists is kept as it was.
     QString m_pendingCountry, m_pendingCountryNum;
     QString m_pendingRegion, m_pendingRegionNum;
+    // A stored mail security setting the list does not know, written back as it was.
+    QString m_unknownSmtpSecurity;
     bool m_loading = false;
     bool m_startPageTyped = false;
     bool m_leaveFeedbackTyped = false;

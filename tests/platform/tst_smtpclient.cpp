@@ -175,9 +175,11 @@ private slots:
         s.password = row.password;
         const SmtpClient::Result test = client.testConnection(s);
         QCOMPARE(test.code, row.testCode);
+        if (row.testCode == 0) // the test said goodbye
+            QCOMPARE(server.events().value(server.events().size() - 1), u"QUIT"_s);
         const SmtpClient::Result sent =
             client.send(s, u"seller@example.com"_s, {u"buyer@example.com"_s}, {"\r\nHello\r\n"});
-        QVERIFY2(sent.code == row.sendCode, qPrintable(QString::number(sent.code) + sent.detail));
+        QVERIFY2(sent.code == row.sendCode, qPrintable(sent.detail));
         QCOMPARE(sent.notice, row.notice);
         client.disconnectFromHost();
         QCOMPARE(server.messages().size(), row.sendCode == 0 ? 1 : 0);
@@ -186,8 +188,6 @@ private slots:
         const QStringList events = server.events();
         for (const QString& e : std::as_const(row.events))
             QVERIFY2(events.contains(e), qPrintable(events.join(u'|')));
-        if (row.testCode == 0) // the test said goodbye
-            QVERIFY2(events.count(u"QUIT"_s) >= 1, qPrintable(events.join(u'|')));
     }
 
     // Abort from the window while the server keeps silent: the client returns at once.

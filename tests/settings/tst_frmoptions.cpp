@@ -1,4 +1,5 @@
 #include "../support/LayoutCheck.h"
+#include "../support/SmtpFixture.h"
 #include "../support/TestEnvironment.h"
 #include "settings/SettingsCatalogue.h"
 #include "settings/frmOptions.h"
@@ -93,7 +94,8 @@ private slots:
         for (const QString key : {"UserEmail", "eBayPassword", "Location", "Feedback", "SendFrom",
                  "PayMsg", "RecdMsg", "Closing", "Signature", "FTPUserid", "FTPPassword",
                  "RemoteHost", "RemotePort", "ImageLoc", "AuctionDir", "RemoteSMTPHost",
-                 "RemoteSMTPPort", "EbayStartPage", "HomePage", "ProxyServer"})
+                 "RemoteSMTPPort", "SMTPUser", "SMTPPassword", "EbayStartPage", "HomePage",
+                 "ProxyServer"})
             row({"txt" + key, key + v, key, key + v});
         for (const QString pair : {"txtCC DefaultCC", "txteBayLeaveFeedback EbayLeaveFeedback",
                  "txteBayViewFeedback EbayViewFeedback", "txteBaySellerReport EbaySellerReport",
@@ -127,6 +129,8 @@ private slots:
         row({"cmbRegion",  "1",   "Region|RegionNum",   "AZ-Phoenix|39"});
         row({"cmbRegion",  "15",  "Region|RegionNum",   "ID-Billings-Boise|5"});
         row({"cmbRegion",  "53",  "Region|RegionNum",   "WI-Milwaukee|30"});
+        row({"cmbSMTPSecurity", "1", "SMTPSecurity", "STARTTLS"});
+        row({"cmbSMTPSecurity", "2", "SMTPSecurity", "SSL"});
         // What a fresh or odd store shows, and what the first Apply writes back.
         row({"txtPastDays",       {}, "PastDays",   "2",     empty, "2"});
         row({"txtAuctionDir",     {}, "AuctionDir", "./",    empty, ".\\"});
@@ -139,6 +143,9 @@ private slots:
         row({"cmbCountry",        {}, "Country|CountryNum", "Atlantis|999", "Atlantis|999", ""});
         row({"cmbRegion",         {}, "Region|RegionNum", "Do Not List Regionally|Do not list regionally", empty, "Do Not List Regionally"});
         row({"cmbRegion",         {}, "Region|RegionNum", "Lost City|77", "Lost City|77", ""});
+        row({"cmbSMTPSecurity",   {}, "SMTPSecurity", "",         empty,      "None"});
+        row({"cmbSMTPSecurity",   {}, "SMTPSecurity", "STARTTLS", "starttls", "STARTTLS"});
+        row({"cmbSMTPSecurity",   {}, "SMTPSecurity", "SSL3",     "SSL3",     ""});
         // clang-format on
     }
     void everyFieldRoundTrips()
@@ -236,6 +243,9 @@ private slots:
             "The attempt to connect failed with the following message:\r\n\r\nCannot connect "
             "to server.Possible causes:\r\n\r\n1. You may not be connected to your ISP. Check "
             "your connection.", ""};
+        QTest::newRow("test Mail refused") << Box{"cmdTestMail", "Connection failed", true,
+            "The attempt to connect failed with the following message:\r\n\r\nCannot connect "
+            "to remote server.", ""};
         // clang-format on
     }
     void messageBoxes()
@@ -243,7 +253,10 @@ private slots:
         QFETCH(Box, row);
         m_env->context().state.options.remoteHost = u"127.0.0.1"_s;
         m_env->context().state.options.remotePort = u"1"_s; // nothing listens there
+        m_env->context().state.options.remoteSmtpHost = u"127.0.0.1"_s;
+        m_env->context().state.options.remoteSmtpPort = u"1"_s;
         edit(u"txtRemoteHost"_s)->setText(u"unapplied.invalid"_s);
+        edit(u"txtRemoteSMTPHost"_s)->setText(u"unapplied.invalid"_s);
         if (auto* e = qobject_cast<QLineEdit*>(child(row.control))) {
             QTest::keyClicks(e, u"wren@example.com"_s); // one box, at the "@"
             QCOMPARE(e->text(), u"wren@example.com"_s);
@@ -257,6 +270,24 @@ private slots:
         QVERIFY2(box.text.startsWith(row.opening) && box.text.endsWith(row.ending),
                  qPrintable(box.text));
         QVERIFY(!QApplication::overrideCursor()); // the hourglass is gone again
+    }
+
+    // Test Mail signs in with the applied name and password, and says goodbye.
+    void testMailSignsIn()
+    {
+        MailServer server({u"--auth"_s, u"seller:secret"_s});
+        QVERIFY(server.isRunning());
+        OptionsRecord& options = m_env->context().state.options;
+        options.remoteSmtpHost = u"127.0.0.1"_s;
+        options.remoteSmtpPort = QString::number(server.port());
+        options.smtpUser = u"seller"_s;
+        options.smtpPassword = u"secret"_s;
+        edit(u"txtSMTPPassword"_s)->setText(u"unapplied"_s);
+        click(u"cmdTestMail"_s);
+        QCOMPARE(m_env->prompts().shown().size(), 1);
+        QCOMPARE(m_env->prompts().shown().first().text,
+                 u"The attempt to connect to 127.0.0.1 was successful."_s);
+        QCOMPARE(server.events().mid(1), (QStringList{u"AUTH PLAIN seller ok"_s, u"QUIT"_s}));
     }
 
     void everyTabFitsAtTheDefaultSize()
