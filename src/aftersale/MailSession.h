@@ -68,7 +68,9 @@ QList<QByteArray> messagePieces(const QString& sendFrom, const MailNote& note,
 // "Header 4..." and "Message..." as each part is handed over, then, once the server took the
 // message, "Disconnecting..." and "Message sent...". status(text) is called at each step as it
 // is reached. A failure stops the send where it happened; lastStatus tells which step that was.
-// The caller checks the settings beforehand and owns the client (to cancel it).
+// The caller checks the settings beforehand and owns the client (to cancel it). After a failed
+// send the note window shows ShowSmtpError(prompts, code, notice): the status alone cannot say
+// why it stopped (a refused buyer address, an untrusted certificate, a wrong password).
 MailOutcome sendNote(SmtpClient& client, const MailSettings& settings, const MailNote& note,
                      const std::function<void(const QString&)>& status,
                      const QDateTime& when = QDateTime::currentDateTime());
