@@ -64,11 +64,16 @@ StartFormValues startFormValues(const AppContext& ctx, const ItemWindowPort& ite
         v.shippingOpt[k] = option(ctx, QStringLiteral("ShippingOpt %1").arg(k + 1));
     v.shipInternationally = ctx.state.options.shipInternationally;
     v.shortDescription = item.fieldText(3);
+    // The pictures' web addresses are the ones the advertisement itself points at.
+    ListingRequest pictures;
+    pictures.picture1Path = item.fieldText(5);
+    pictures.picture2Path = item.fieldText(6);
+    pictures.picture3Path = item.fieldText(7);
+    pictures.imageLoc = ctx.state.options.imageLoc;
+    const std::array<QString, 3> addresses = listingPictureAddresses(pictures);
     for (int k = 0; k < 3; ++k) {
         v.picturePaths[k] = item.fieldText(5 + k);
-        const QString path = v.picturePaths[k].trimmed();
-        if (!path.isEmpty())
-            v.pictureAddresses[k] = webImageAddress(ctx.state.options.imageLoc, path);
+        v.pictureAddresses[k] = addresses[k];
     }
     v.reserve = item.fieldText(8);
     v.minBid = item.fieldText(9);
