@@ -1,5 +1,8 @@
 #include "app/frmItems.h"
 
+#include "aftersale/frmCleanup.h"
+#include "aftersale/frmEndingAuction.h"
+#include "aftersale/frmNote.h"
 #include "app/Module1.h"
 #include "app/Startup.h"
 #include "app/frmFind.h"
@@ -118,7 +121,7 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
         mnuLinks[i] = findChild<QAction*>(QStringLiteral("mnuLinks_%1").arg(i));
 
     // Commands whose work is not part of this build stay present but disabled.
-    for (QAction* a : {ui->mnuEnding, ui->mnuCleanup, ui->mnuActionsReports})
+    for (QAction* a : {ui->mnuActionsReports})
         m_available.insert(a, false);
 
     buildToolbar();
@@ -288,6 +291,8 @@ void frmItems::connectCommands()
             (this->*command)();
         });
     };
+    on(ui->mnuEnding, &frmItems::mnuEnding_Click);
+    on(ui->mnuCleanup, &frmItems::mnuCleanup_Click);
     site(ui->mnuStart, &frmItems::mnuStart_Click);
     site(ui->mnuEbayList, &frmItems::mnuEbayList_Click);
     site(ui->mnuAllOpenRep, &frmItems::mnuAllOpenRep_Click);
@@ -934,6 +939,57 @@ QString frmItems::startFormListing()
 void frmItems::openOptions()
 {
     auto* dialog = new frmOptions(m_ctx, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->show();
+}
+
+// ---------------------------------------------------------------- after the sale
+
+QStringList frmItems::picturePaths() const
+{
+    return {fieldText(5), fieldText(6), fieldText(7)};
+}
+
+frmEndingAuction* frmItems::endingWindow()
+{
+    frmEndingAuction* ending = frmEndingAuction::openEndingAuction(m_ctx, picturePaths(), *this);
+    connect(ending, &frmEndingAuction::noteComposed, this, &frmItems::showComposedNote,
+            Qt::UniqueConnection);
+    connect(ending, &frmEndingAuction::cleanupRequested, this, &frmItems::mnuCleanup_Click,
+            Qt::UniqueConnection);
+    return ending;
+}
+
+void frmItems::mnuEnding_Click()
+{
+    // The ending window reads the item from tb2.mdb, so what was typed here goes there first.
+    Data1->update();
+    m_ctx.state.currentItemId = Data1->bookmark();
+    m_ctx.state.currentEbayId = fieldText(1);
+    m_ctx.state.currentShortDescription = fieldText(3);
+    endingWindow();
+}
+
+void frmItems::showComposedNote(const ComposedNote& note)
+{
+    auto* window = new frmNote(m_ctx, qobject_cast<frmEndingAuction*>(sender()), this);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->showNote(note);
+}
+
+void frmItems::mnuCleanup_Click()
+{
+    Data1->update();
+    const QString ebayId = fieldText(1);
+    if (Data1->findFirst(ItemSql::byEbayId(ebayId)) == RecordSet::FindResult::Found) {
+        ui->txtCurItem->setText(QString::number(Data1->absolutePosition() + 1));
+        UpdateNavigation();
+    }
+    const QStringList paths = picturePaths();
+    for (int slot = 1; slot <= 3; ++slot)
+        m_ctx.state.uploadFiles[slot] = paths.at(slot - 1);
+    auto* dialog = new frmCleanup(
+        m_ctx, [this] { showLogo(); }, [this] { return endingWindow(); }, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->show();
 }

@@ -19,8 +19,10 @@ class QPushButton;
 class QTimer;
 struct AppContext;
 struct ListingResult;
+struct ComposedNote;
 class frmFind;
 class frmAdStudio;
+class frmEndingAuction;
 
 // The main window: browses and edits one item at a time through Data1, switches between the
 // All, Active and Inactive views, and dispatches every menu and toolbar command.
@@ -44,7 +46,7 @@ public:
     View currentView() const { return m_view; }
     // The toolbar button with the given key ("Add", "Next", "PList", ...).
     QAction* toolButton(const QString& key) const { return m_toolButtons.value(key); }
-    QString fieldText(int index) const override;
+    QString fieldText(int index) const;
     void setFieldText(int index, const QString& text);
     bool listingRemote() const { return m_remote; }
     int beepCount() const { return m_beeps; }
@@ -75,6 +77,8 @@ public:
     void mnuStart_Click();
     void mnuEbayList_Click();
     void mnuAllOpenRep_Click();
+    void mnuEnding_Click();
+    void mnuCleanup_Click();
     void cmdAdStudio_Click();
     void cmdFind_Click(int index);
     void UpdateNavigation();
@@ -93,6 +97,7 @@ protected:
 
 private:
     // What the auction-site commands borrow from this window.
+    QString boxText(int index) const override { return fieldText(index); }
     QString lengthText() const override;
     void saveRecord() override;
     void rereadRecord() override;
@@ -101,6 +106,11 @@ private:
     QString startFormListing() override;
     void openOptions() override;
     QWidget* ownerWindow() override { return this; }
+
+    // After the sale: the note a note command composed goes to a note window.
+    void showComposedNote(const ComposedNote& note);
+    frmEndingAuction* endingWindow();
+    QStringList picturePaths() const;
 
     ListingResult runListing(bool remote, bool escape);
     void buildToolbar();

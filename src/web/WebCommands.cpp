@@ -63,20 +63,20 @@ StartFormValues startFormValues(const AppContext& ctx, const ItemWindowPort& ite
     for (int k = 0; k < 4; ++k)
         v.shippingOpt[k] = option(ctx, QStringLiteral("ShippingOpt %1").arg(k + 1));
     v.shipInternationally = ctx.state.options.shipInternationally;
-    v.shortDescription = item.fieldText(3);
+    v.shortDescription = item.boxText(3);
     // The pictures' web addresses are the ones the advertisement itself points at.
     ListingRequest pictures;
-    pictures.picture1Path = item.fieldText(5);
-    pictures.picture2Path = item.fieldText(6);
-    pictures.picture3Path = item.fieldText(7);
+    pictures.picture1Path = item.boxText(5);
+    pictures.picture2Path = item.boxText(6);
+    pictures.picture3Path = item.boxText(7);
     pictures.imageLoc = ctx.state.options.imageLoc;
     const std::array<QString, 3> addresses = listingPictureAddresses(pictures);
     for (int k = 0; k < 3; ++k) {
-        v.picturePaths[k] = item.fieldText(5 + k);
+        v.picturePaths[k] = item.boxText(5 + k);
         v.pictureAddresses[k] = addresses[k];
     }
-    v.reserve = item.fieldText(8);
-    v.minBid = item.fieldText(9);
+    v.reserve = item.boxText(8);
+    v.minBid = item.boxText(9);
     v.length = item.lengthText();
     return v;
 }
@@ -100,14 +100,14 @@ void mnuStart_Click(AppContext& ctx, ItemWindowPort& item)
 
 void mnuEbayList_Click(AppContext& ctx, ItemWindowPort& item)
 {
-    const QString address = ctx.state.options.ebayListing + item.fieldText(1).trimmed();
+    const QString address = ctx.state.options.ebayListing + item.boxText(1).trimmed();
     QString page = FetchPage(ctx, address, kItemPage, item.ownerWindow());
     if (page.isEmpty())
         return;
 
     item.saveRecord();
     const ItemPageValues values =
-        ReadItemPage(page, item.fieldText(1), ctx.state.timeZoneBias, daylightDiff(ctx));
+        ReadItemPage(page, item.boxText(1), ctx.state.timeZoneBias, daylightDiff(ctx));
     if (!applyItemPage(ctx.itemDatabase, values, QDateTime::currentDateTime()))
         reportUpdateFailure(ctx, ctx.itemDatabase.lastError().text());
     item.rereadRecord();

@@ -20,12 +20,12 @@ class ItemWindowPort
 {
 public:
     virtual ~ItemWindowPort() = default;
-    virtual QString fieldText(int index) const = 0; // txtFields(index) as shown
-    virtual QString lengthText() const = 0;         // comboLength
-    virtual void saveRecord() = 0;                  // the record being edited goes to tb2.mdb
-    virtual void rereadRecord() = 0;                // the bound boxes show the stored values again
-    virtual void refreshView() = 0;                 // Data1 refreshed, txtCurItem "1"
-    virtual void checkSiteView(SiteView view) = 0;  // only that view menu item checked
+    virtual QString boxText(int index) const = 0;  // txtFields(index) as shown
+    virtual QString lengthText() const = 0;        // comboLength
+    virtual void saveRecord() = 0;                 // the record being edited goes to tb2.mdb
+    virtual void rereadRecord() = 0;               // the bound boxes show the stored values again
+    virtual void refreshView() = 0;                // Data1 refreshed, txtCurItem "1"
+    virtual void checkSiteView(SiteView view) = 0; // only that view menu item checked
     // The advertisement for the start form (pictures from the web space, markup escaped); "" when
     // the generator refused, after it showed its messages.
     virtual QString startFormListing() = 0;

@@ -1,1 +1,0 @@
-#include "aftersale/CleanupPlan.h"
