@@ -1,6 +1,7 @@
 // The clean-up dialog driven offscreen: which pictures are erased on disk and, through the FTP
 // window, on a real FTP server on 127.0.0.1; the checks that keep it open; the remembered boxes.
 #include "../support/LayoutCheck.h"
+#include "../support/ModalWatch.h"
 #include "../support/TestEnvironment.h"
 
 #include "aftersale/frmCleanup.h"
@@ -20,26 +21,6 @@ namespace {
 
 const QStringList kBoxes = {"chkEraseHDImgs", "chkEraseWebImgs", "chkLeaveFeedback"};
 const QStringList kKeys = {"EraseHDImgs", "EraseWebImgs", "LeaveFeedbackNow"};
-
-// Rejects the modal dialog that opens and remembers its name.
-class ModalWatch : public QObject
-{
-public:
-    ModalWatch() { QTimer::singleShot(0, this, &ModalWatch::poll); }
-    QString shown;
-
-private:
-    void poll()
-    {
-        if (auto* d = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-            shown = d->objectName();
-            d->reject();
-        } else if (++m_tries < 200) {
-            QTimer::singleShot(10, this, &ModalWatch::poll);
-        }
-    }
-    int m_tries = 0;
-};
 
 // The dialog over a stand-in item window, with pictures a.jpg and b.jpg in slots 1 and 3 and a
 // picture that is gone in slot 2. `ticked` holds the box names to tick; the others are cleared.

@@ -2,6 +2,7 @@
 // commands run from menu and toolbar; what ends up in tb2.mdb, in temp.htm and in the notes
 // handed on is read back.
 #include "../support/LayoutCheck.h"
+#include "../support/ModalWatch.h"
 #include "../support/TestEnvironment.h"
 
 #include "aftersale/frmEndingAuction.h"
@@ -70,26 +71,6 @@ struct Ending
     QWidget owner; // stands for the item window
     QPointer<frmEndingAuction> window;
     QList<qint64> ids;
-};
-
-// Rejects the modal dialog a command opens and remembers its name.
-class ModalWatch : public QObject
-{
-public:
-    ModalWatch() { QTimer::singleShot(0, this, &ModalWatch::poll); }
-    QString shown;
-
-private:
-    void poll()
-    {
-        if (auto* d = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-            shown = d->objectName();
-            d->reject();
-        } else if (++m_tries < 100) {
-            QTimer::singleShot(10, this, &ModalWatch::poll);
-        }
-    }
-    int m_tries = 0;
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 // The note window against a real SMTP server on 127.0.0.1: what arrives, what the status bar
 // shows on the way, which date the ending-auction window gets, and the checks before sending.
 #include "../support/LayoutCheck.h"
+#include "../support/ModalWatch.h"
 #include "../support/SmtpFixture.h"
 #include "../support/TestEnvironment.h"
 
@@ -78,26 +79,6 @@ ComposedNote shippedNote(NoteKind kind, const QString& cc)
             QStringLiteral(" eBay Item: 123456789 - Item shipped for eBay Auction. "),
             QStringLiteral("Dear Pat,\r\n.\r\nThanks again!")};
 }
-
-// Rejects the modal dialog that opens and remembers its name.
-class ModalWatch : public QObject
-{
-public:
-    ModalWatch() { QTimer::singleShot(0, this, &ModalWatch::poll); }
-    QString shown;
-
-private:
-    void poll()
-    {
-        if (auto* d = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-            shown = d->objectName();
-            d->reject();
-        } else if (++m_tries < 200) {
-            QTimer::singleShot(10, this, &ModalWatch::poll);
-        }
-    }
-    int m_tries = 0;
-};
 
 QStringList shownTexts(TestEnvironment& env)
 {

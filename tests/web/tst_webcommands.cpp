@@ -242,9 +242,8 @@ void TestWebCommands::sellerReport()
     QCOMPARE(w.current(), "1");
     QCOMPARE(w.field(1)->text(), "999");
     QCOMPARE(Site::checks(w), "0001");
-    QCOMPARE(site.shownPage(), QString::fromUtf8(fixture(QStringLiteral("report_items.htm")))
-                                       .replace(u'\n', QStringLiteral("\r\n")) +
-                                   QStringLiteral("\r\n"));
+    QCOMPARE(site.shownPage(),
+             withCrLf(fixture(QStringLiteral("report_items.htm"))) + QStringLiteral("\r\n"));
 }
 
 void TestWebCommands::startForm_data()
