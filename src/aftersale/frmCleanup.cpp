@@ -18,12 +18,6 @@
 
 namespace {
 
-const QString kNoRemoteHost =
-    QStringLiteral("A Remote Host must be specified on the options screen before sending "
-                   "messages. Message not sent.");
-const QString kNoRemotePort =
-    QStringLiteral("A Remote Port must be specified on the options screen before sending "
-                   "messages. Message not sent.");
 const QString kRemoveImages = QStringLiteral("RemoveImages");
 
 // The picture slots of UploadFiles the clean-up works on; 4 and 5 are never filled for an item.
@@ -90,9 +84,9 @@ bool frmCleanup::eraseWebPictures()
     const OptionsRecord& o = m_ctx.state.options;
     QString problem;
     if (o.remoteHost.trimmed().isEmpty())
-        problem = kNoRemoteHost;
+        problem = AfterSaleTexts::kNoRemoteHost;
     else if (o.remotePort.trimmed().isEmpty())
-        problem = kNoRemotePort;
+        problem = AfterSaleTexts::kNoRemotePort;
     if (!problem.isEmpty()) {
         m_ctx.prompts.message(problem, AfterSaleTexts::kMissingInformationTitle,
                               PromptIcon::Exclamation);

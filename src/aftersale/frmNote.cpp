@@ -19,14 +19,6 @@
 
 using namespace AfterSaleTexts;
 
-namespace {
-
-const QString kNoSendFrom =
-    QStringLiteral("A Send From Email Address must be specified before sending messages.  Please "
-                   "supply on the Options panel under the Email tab.");
-
-} // namespace
-
 frmNote::frmNote(AppContext& ctx, frmEndingAuction* ending, QWidget* parent)
     : QDialog(parent), m_ctx(ctx), ui(std::make_unique<Ui::frmNote>()), m_ending(ending)
 {

@@ -102,4 +102,15 @@ inline QString pageNotWritten(const QString& path)
            QLatin1String(", so it was not opened.");
 }
 
+// The note window's and the clean-up dialog's own messages.
+inline const QString kNoSendFrom =
+    QStringLiteral("A Send From Email Address must be specified before sending messages.  Please "
+                   "supply on the Options panel under the Email tab.");
+inline const QString kNoRemoteHost =
+    QStringLiteral("A Remote Host must be specified on the options screen before sending "
+                   "messages. Message not sent.");
+inline const QString kNoRemotePort =
+    QStringLiteral("A Remote Port must be specified on the options screen before sending "
+                   "messages. Message not sent.");
+
 } // namespace AfterSaleTexts

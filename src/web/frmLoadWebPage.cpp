@@ -6,6 +6,7 @@
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "ui_frmLoadWebPage.h"
+#include "web/texts.h"
 
 #include <QCloseEvent>
 #include <QFile>
@@ -13,19 +14,7 @@
 
 namespace {
 
-// The window's status lines.
-namespace Texts {
-const QString kUsingProxy = QStringLiteral("Using Proxy ");
-const QString kUsingProxyEnd = QStringLiteral("...");
-const QString kAttempting = QStringLiteral("Attempting to make connection, please wait...");
-const QString kConnecting = QStringLiteral("Connecting to page...");
-const QString kRetrieving = QStringLiteral("Retrieving page.... ( bytes read ");
-const QString kDone = QStringLiteral("Done.");
-const QString kDisconnected = QStringLiteral("Disconnected.");
-const QString kCancelled = QStringLiteral("Connection cancelled...");
-const QString kAborting = QStringLiteral("Aborting connection...");
-const QString kAgent = QStringLiteral("Mozilla/4.0");
-} // namespace Texts
+namespace Texts = LoadPageTexts;
 
 int s_startDelayMs = frmLoadWebPage::kStartDelayMs;
 double s_pauseSeconds = frmLoadWebPage::kPauseSeconds;

@@ -29,3 +29,17 @@ inline QString updateFailed(const QString& why)
 }
 
 } // namespace WebTexts
+
+// The page download window's status lines and agent string.
+namespace LoadPageTexts {
+inline const QString kUsingProxy = QStringLiteral("Using Proxy ");
+inline const QString kUsingProxyEnd = QStringLiteral("...");
+inline const QString kAttempting = QStringLiteral("Attempting to make connection, please wait...");
+inline const QString kConnecting = QStringLiteral("Connecting to page...");
+inline const QString kRetrieving = QStringLiteral("Retrieving page.... ( bytes read ");
+inline const QString kDone = QStringLiteral("Done.");
+inline const QString kDisconnected = QStringLiteral("Disconnected.");
+inline const QString kCancelled = QStringLiteral("Connection cancelled...");
+inline const QString kAborting = QStringLiteral("Aborting connection...");
+inline const QString kAgent = QStringLiteral("Mozilla/4.0");
+} // namespace LoadPageTexts
