@@ -43,5 +43,7 @@ CREATE TABLE Items (
 ;;
 CREATE INDEX ItemsByEbayID ON Items (EbayID)
 ;;
+CREATE INDEX ItemsByActive ON Items (Active)
+;;
 CREATE VIEW ClosedItems AS SELECT * FROM Items WHERE Active = 0
 ;;

@@ -2,6 +2,7 @@
 
 #include "platform/JetSql.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlDriver>
@@ -9,10 +10,18 @@
 #include <QSqlQuery>
 #include <QUrl>
 #include <QUuid>
+#include <memory>
 #include <sqlite3.h>
 
 namespace {
 
+void freePattern(void* pattern)
+{
+    delete static_cast<JetLikePattern*>(pattern);
+}
+
+// like(pattern, value): the pattern is compiled once per statement and kept with it, since a
+// search asks the same pattern of every row.
 void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv)
 {
     if (argc < 2 || sqlite3_value_type(argv[0]) == SQLITE_NULL ||
@@ -20,11 +29,22 @@ void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv)
         sqlite3_result_null(ctx);
         return;
     }
-    const auto text = [](sqlite3_value* v) {
-        return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_value_text(v)),
-                                 sqlite3_value_bytes(v));
-    };
-    sqlite3_result_int(ctx, jetLike(text(argv[0]), text(argv[1])) ? 1 : 0);
+    auto* pattern = static_cast<JetLikePattern*>(sqlite3_get_auxdata(ctx, 0));
+    if (!pattern) {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
+        pattern = new JetLikePattern(QString::fromUtf8(text, sqlite3_value_bytes(argv[0])));
+        sqlite3_set_auxdata(ctx, 0, pattern, freePattern);
+        // SQLite may have freed it at once (the pattern is not a constant): read it again.
+        pattern = static_cast<JetLikePattern*>(sqlite3_get_auxdata(ctx, 0));
+        if (!pattern) {
+            const JetLikePattern once(QString::fromUtf8(text, sqlite3_value_bytes(argv[0])));
+            const auto* value = reinterpret_cast<const char*>(sqlite3_value_text(argv[1]));
+            sqlite3_result_int(ctx, once.matches(value, sqlite3_value_bytes(argv[1])) ? 1 : 0);
+            return;
+        }
+    }
+    const auto* value = reinterpret_cast<const char*>(sqlite3_value_text(argv[1]));
+    sqlite3_result_int(ctx, pattern->matches(value, sqlite3_value_bytes(argv[1])) ? 1 : 0);
 }
 
 sqlite3* handleOf(const QSqlDatabase& db)
@@ -35,7 +55,86 @@ sqlite3* handleOf(const QSqlDatabase& db)
     return *static_cast<sqlite3* const*>(v.constData());
 }
 
+int stopAfterDeadline(void* deadline)
+{
+    return static_cast<QDeadlineTimer*>(deadline)->hasExpired() ? 1 : 0;
+}
+
 } // namespace
+
+IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& values,
+               int timeLimitMs)
+{
+    IdScan result;
+    sqlite3* h = handleOf(db);
+    if (!h) {
+        result.error = QStringLiteral("the item database is not open");
+        return result;
+    }
+    sqlite3_stmt* raw = nullptr;
+    const QByteArray text = sql.toUtf8();
+    if (sqlite3_prepare_v2(h, text.constData(), int(text.size()), &raw, nullptr) != SQLITE_OK) {
+        result.error = QString::fromUtf8(sqlite3_errmsg(h));
+        return result;
+    }
+    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> statement(raw, sqlite3_finalize);
+    for (int i = 0; i < values.size(); ++i) {
+        const QVariant& v = values.at(i);
+        int rc = SQLITE_OK;
+        switch (v.typeId()) {
+        case QMetaType::Int:
+        case QMetaType::LongLong:
+        case QMetaType::UInt:
+        case QMetaType::Bool:
+            rc = sqlite3_bind_int64(raw, i + 1, v.toLongLong());
+            break;
+        case QMetaType::Double:
+            rc = sqlite3_bind_double(raw, i + 1, v.toDouble());
+            break;
+        default:
+            if (v.isNull()) {
+                rc = sqlite3_bind_null(raw, i + 1);
+            } else {
+                const QByteArray utf8 = v.toString().toUtf8();
+                rc = sqlite3_bind_text(raw, i + 1, utf8.constData(), int(utf8.size()),
+                                       SQLITE_TRANSIENT);
+            }
+        }
+        if (rc != SQLITE_OK) {
+            result.error = QString::fromUtf8(sqlite3_errmsg(h));
+            return result;
+        }
+    }
+    // A search over a text that never ends must not hang the window.
+    QDeadlineTimer deadline(timeLimitMs > 0 ? timeLimitMs : QDeadlineTimer::Forever);
+    if (timeLimitMs > 0)
+        sqlite3_progress_handler(h, 10000, stopAfterDeadline, &deadline);
+    int rc;
+    while ((rc = sqlite3_step(raw)) == SQLITE_ROW)
+        result.ids.append(sqlite3_column_int64(raw, 0));
+    if (timeLimitMs > 0)
+        sqlite3_progress_handler(h, 0, nullptr, nullptr);
+    if (rc == SQLITE_INTERRUPT && deadline.hasExpired()) {
+        result.timedOut = true;
+        result.error = QStringLiteral("the search ran longer than %1 seconds and was stopped")
+                           .arg(timeLimitMs / 1000);
+    } else if (rc != SQLITE_DONE) {
+        result.error = QString::fromUtf8(sqlite3_errmsg(h));
+    }
+    if (!result.ok())
+        result.ids.clear();
+    return result;
+}
+
+QString dataVersion(const QSqlDatabase& db)
+{
+    sqlite3* h = handleOf(db);
+    if (!h)
+        return {};
+    const IdScan other = scanIds(db, QStringLiteral("PRAGMA data_version"));
+    return QString::number(sqlite3_total_changes64(h)) + u'.' +
+           QString::number(other.ids.value(0, -1));
+}
 
 bool installJetLike(const QSqlDatabase& db)
 {
@@ -94,6 +193,10 @@ DatabaseOpenResult openDatabase(const QString& path, const QString& connectionNa
         return result;
     }
     q.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
+    // The views are lists of keys chosen by Active: an index on it lets them be read without
+    // touching the rows (descriptions run to several KB). Databases made before it get it on
+    // their first open; a file that cannot be written simply goes without.
+    q.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS ItemsByActive ON Items (Active)"));
     q.finish();
     result.database = db;
     return result;

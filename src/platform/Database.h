@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QList>
 #include <QSqlDatabase>
 #include <QString>
+#include <QVariantList>
 
 // Result of opening the item database; errorNumber follows the numbering the program has
 // always reported (3024: file not found).
@@ -29,3 +31,20 @@ QString createDatabaseIfMissing(const QString& path, const QString& schemaScript
 // Replaces like() on an already open SQLite connection with the Jet LIKE. Fails while a
 // statement of the connection is still pending, so call it before running any.
 bool installJetLike(const QSqlDatabase& db);
+
+// The first column of every row of a statement, read straight from SQLite: for lists of many
+// item keys, where going through a QSqlQuery row by row costs more than the search itself.
+// With a time limit the statement is stopped once it runs longer.
+struct IdScan
+{
+    QList<qint64> ids;
+    QString error;
+    bool timedOut = false;
+    bool ok() const { return error.isEmpty(); }
+};
+IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {},
+               int timeLimitMs = 0);
+
+// Changes whenever rows of the database may have changed, by this connection or another one:
+// lets a window keep what it read until then.
+QString dataVersion(const QSqlDatabase& db);
