@@ -2,6 +2,7 @@
 
 #include "app/FindCriteria.h"
 #include "app/texts.h"
+#include "platform/Database.h"
 #include "platform/KeyFilter.h"
 #include "platform/Prompts.h"
 #include "settings/AppContext.h"
@@ -49,7 +50,12 @@ void frmFind::showEvent(QShowEvent* event)
 
 void frmFind::loadDescriptions()
 {
-    // Each title once, in item order: choosing it finds its first item.
+    // Each title once, in item order: choosing it finds its first item. The list is read again
+    // only when the items changed since it was last filled.
+    const QString version = dataVersion(m_ctx.itemDatabase);
+    if (!version.isEmpty() && version == m_descriptionsVersion)
+        return;
+    m_descriptionsVersion = version;
     const QString chosen = ui->Text1->currentItem() ? ui->Text1->currentItem()->text() : QString();
     ui->Text1->clear();
     QSqlQuery q(m_ctx.itemDatabase);

@@ -39,4 +39,5 @@ private:
     AppContext& m_ctx;
     std::unique_ptr<Ui::frmFind> ui;
     QString m_total;
+    QString m_descriptionsVersion; // the items' version the list was filled from
 };

@@ -402,7 +402,10 @@ void frmItems::openView(View view)
         ui->txtCurItem->setText(QStringLiteral("1"));
     }
     UpdateNavigation();
-    m_ctx.store.save(Settings::kApp, Settings::kSystem, QStringLiteral("ItemsViewed"), def.saved);
+    // Switching views is frequent; the settings file is rewritten only when the view changed.
+    const QString viewedKey = QStringLiteral("ItemsViewed");
+    if (m_ctx.store.get(Settings::kApp, Settings::kSystem, viewedKey, QString()) != def.saved)
+        m_ctx.store.save(Settings::kApp, Settings::kSystem, viewedKey, def.saved);
 }
 
 void frmItems::mnuAll_Click()

@@ -1,7 +1,11 @@
 #include "db/RecordSet.h"
 
 #include "db/ItemColumns.h"
+#include "platform/Database.h"
 #include "platform/JetSql.h"
+
+#include <QRegularExpression>
+#include <algorithm>
 
 #include <QSet>
 #include <QSqlError>
@@ -25,39 +29,70 @@ QString RecordSet::sourceSql() const
     return t.ok() ? t.sql : QString();
 }
 
+namespace {
+
+// "… ORDER BY ID" at the end of a record source: its rows come in key order, so the keys
+// can be read in whatever order an index gives them and sorted here, and a find can ask for
+// the first match past a key.
+const QRegularExpression& keyOrderClause()
+{
+    static const QRegularExpression re(
+        QStringLiteral(R"(\s+ORDER\s+BY\s+(?:"?Items"?\.)?"?ID"?\s*(?:ASC\s*)?;?\s*$)"),
+        QRegularExpression::CaseInsensitiveOption);
+    return re;
+}
+
+} // namespace
+
 bool RecordSet::refresh()
 {
     m_ids.clear();
-    m_columns.clear();
     m_values.clear();
     m_dirty.clear();
     m_deletedCurrent = false;
     m_noMatch = false;
     m_lastError.clear();
-    const QString sql = sourceSql();
+    QString sql = sourceSql();
+    const QRegularExpressionMatch order = keyOrderClause().match(sql);
+    m_keyOrder = order.hasMatch();
+    if (m_keyOrder)
+        sql.truncate(order.capturedStart());
+    m_rowsSql = sql;
+    // The names of the columns (no row is read), then the keys alone.
     QSqlQuery q(m_db);
     q.setForwardOnly(true);
-    if (sql.isEmpty() || !q.exec(sql)) {
-        m_lastError = sql.isEmpty() ? QStringLiteral("The record source cannot be read.")
-                                    : q.lastError().text();
+    IdScan keys;
+    const QStringList previousColumns = m_columns;
+    m_columns.clear();
+    if (sql.isEmpty()) {
+        keys.error = QStringLiteral("The record source cannot be read.");
+    } else if (!q.exec(QLatin1String("SELECT * FROM (") + sql + QLatin1String(") LIMIT 0"))) {
+        keys.error = q.lastError().text();
+    } else {
+        const QSqlRecord rec = q.record();
+        for (int i = 0; i < rec.count(); ++i)
+            m_columns << rec.fieldName(i);
+        q.finish();
+        keys = scanIds(m_db, QLatin1String("SELECT ID FROM (") + sql + u')');
+    }
+    if (!keys.ok()) {
+        m_lastError = keys.error;
+        m_columns.clear();
         m_pos = 0;
         if (m_binding)
             m_binding->showRecord(*this);
         emit repositioned();
         return false;
     }
-    const QSqlRecord rec = q.record();
-    int idField = -1;
-    for (int i = 0; i < rec.count(); ++i) {
-        m_columns << rec.fieldName(i);
-        if (rec.fieldName(i).compare(QLatin1String("ID"), Qt::CaseInsensitive) == 0)
-            idField = i;
+    m_ids = std::move(keys.ids);
+    if (m_keyOrder)
+        std::sort(m_ids.begin(), m_ids.end());
+    if (m_columns != previousColumns || m_rowQueryDb != m_db.connectionName()) {
+        m_rowQuery = QSqlQuery(m_db);
+        m_rowQuery.prepare(QLatin1String("SELECT ") + m_columns.join(QLatin1String(", ")) +
+                           QLatin1String(" FROM Items WHERE ID = ?"));
+        m_rowQueryDb = m_db.connectionName();
     }
-    while (q.next())
-        m_ids << q.value(idField).toLongLong();
-    m_rowQuery = QSqlQuery(m_db);
-    m_rowQuery.prepare(QLatin1String("SELECT ") + m_columns.join(QLatin1String(", ")) +
-                       QLatin1String(" FROM Items WHERE ID = ?"));
     m_pos = 0; // BOF and EOF together when there are no rows
     loadCurrent();
     if (m_binding)
@@ -186,32 +221,62 @@ void RecordSet::setBookmark(qint64 bookmark)
 RecordSet::FindResult RecordSet::find(const QString& criteria, qsizetype from)
 {
     // A criteria that cannot be read is refused before the row is left: nothing is written.
-    const JetTranslation t = translateJet(criteria);
-    if (!t.ok()) {
+    // One that reads but names no column or makes no condition fails after the row is left,
+    // as a search the engine refuses.
+    const JetCriteria condition = parseJetCriteria(criteria, ItemColumns::names());
+    if (condition.unreadable) {
         m_noMatch = true;
-        m_lastError = t.error;
+        m_lastError = condition.error;
         return FindResult::Invalid;
     }
     leave(DataAction::Find);
     m_noMatch = true;
-    QSqlQuery q(m_db);
-    q.setForwardOnly(true);
-    if (!q.exec(QLatin1String("SELECT ID FROM (") + sourceSql() + QLatin1String(") WHERE ") +
-                t.sql)) {
-        m_lastError = q.lastError().databaseText();
+    if (!condition.ok()) {
+        m_lastError = condition.error;
         return FindResult::Invalid;
     }
-    QSet<qint64> matches;
-    while (q.next())
-        matches.insert(q.value(0).toLongLong());
-    for (qsizetype i = std::max<qsizetype>(from, 0); i < m_ids.size(); ++i) {
-        if (matches.contains(m_ids.at(i))) {
-            m_noMatch = false;
-            moveTo(i);
-            return FindResult::Found;
+    from = std::max<qsizetype>(from, 0);
+    if (from >= m_ids.size() || m_rowsSql.isEmpty())
+        return FindResult::NoMatch;
+    const QString rows = QLatin1String("SELECT ID FROM (") + m_rowsSql +
+                         QLatin1String(") WHERE (") + condition.sql + u')';
+    qsizetype found = -1;
+    if (m_keyOrder) {
+        // The first match at or past the key the search starts from, in key order.
+        const QString first = rows + QLatin1String(" AND ID >= ? ORDER BY ID LIMIT 1");
+        qint64 key = m_ids.at(from);
+        while (found < 0) {
+            const IdScan hit =
+                scanIds(m_db, first, condition.values + QVariantList{key}, kFindTimeLimitMs);
+            if (!hit.ok()) {
+                m_lastError = hit.error;
+                return FindResult::Invalid;
+            }
+            if (hit.ids.isEmpty())
+                break;
+            const auto at = std::lower_bound(m_ids.cbegin() + from, m_ids.cend(), hit.ids.first());
+            if (at != m_ids.cend() && *at == hit.ids.first())
+                found = at - m_ids.cbegin();
+            else
+                key = hit.ids.first() + 1; // a row this list does not hold: look further on
+        }
+    } else {
+        const IdScan matches = scanIds(m_db, rows, condition.values, kFindTimeLimitMs);
+        if (!matches.ok()) {
+            m_lastError = matches.error;
+            return FindResult::Invalid;
+        }
+        const QSet<qint64> set(matches.ids.cbegin(), matches.ids.cend());
+        for (qsizetype i = from; i < m_ids.size() && found < 0; ++i) {
+            if (set.contains(m_ids.at(i)))
+                found = i;
         }
     }
-    return FindResult::NoMatch;
+    if (found < 0)
+        return FindResult::NoMatch;
+    m_noMatch = false;
+    moveTo(found);
+    return FindResult::Found;
 }
 
 RecordSet::FindResult RecordSet::findFirst(const QString& criteria)

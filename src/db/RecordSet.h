@@ -84,6 +84,9 @@ public:
     void moveNext();
     void moveLast();
 
+    // How long one find may search before it gives up with Invalid.
+    static constexpr int kFindTimeLimitMs = 5000;
+
     FindResult findFirst(const QString& criteria);
     FindResult findNext(const QString& criteria);
     bool noMatch() const { return m_noMatch; }
@@ -129,7 +132,10 @@ private:
     qsizetype m_pos = -1;
     bool m_deletedCurrent = false;
     bool m_noMatch = false;
-    QSqlQuery m_rowQuery;              // reads the current row; prepared once per refresh
+    QString m_rowsSql;       // the record source without its key order
+    bool m_keyOrder = false; // the source lists its rows in key order
+    QSqlQuery m_rowQuery;    // reads the current row; prepared again when the columns change
+    QString m_rowQueryDb;    // the connection it was prepared on
     QHash<QString, QVariant> m_values; // current row, by lower-case column name
     QHash<QString, QVariant> m_dirty;  // edits not yet written, by lower-case column name
     QString m_lastError;
