@@ -42,6 +42,26 @@ const QRegularExpression& keyOrderClause()
     return re;
 }
 
+// Keys read through the Active index come as one ascending run per Active value: merging the
+// few runs is linear, where sorting afresh is not.
+void sortKeys(QList<qint64>& keys)
+{
+    QList<qsizetype> runStarts;
+    for (qsizetype i = 1; i < keys.size(); ++i) {
+        if (keys.at(i) < keys.at(i - 1))
+            runStarts << i;
+    }
+    if (runStarts.size() > 8) {
+        std::sort(keys.begin(), keys.end());
+        return;
+    }
+    for (const qsizetype start : std::as_const(runStarts))
+        std::inplace_merge(keys.begin(), keys.begin() + start,
+                           keys.begin() + (runStarts.last() == start
+                                               ? keys.size()
+                                               : runStarts.at(runStarts.indexOf(start) + 1)));
+}
+
 } // namespace
 
 bool RecordSet::refresh()
@@ -86,7 +106,7 @@ bool RecordSet::refresh()
     }
     m_ids = std::move(keys.ids);
     if (m_keyOrder)
-        std::sort(m_ids.begin(), m_ids.end());
+        sortKeys(m_ids);
     if (m_columns != previousColumns || m_rowQueryDb != m_db.connectionName()) {
         m_rowQuery = QSqlQuery(m_db);
         m_rowQuery.prepare(QLatin1String("SELECT ") + m_columns.join(QLatin1String(", ")) +

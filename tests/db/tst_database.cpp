@@ -1,6 +1,7 @@
 #include "../support/TestEnvironment.h"
 #include "platform/Database.h"
 
+#include <QElapsedTimer>
 #include <QSqlQuery>
 #include <QtTest>
 #include <memory>
@@ -85,6 +86,25 @@ private slots:
         QSqlQuery q(m_env->context().itemDatabase);
         QVERIFY(q.exec(QStringLiteral("SELECT '%1' LIKE '%2'").arg(value, pattern)) && q.next());
         QTEST(q.value(0).toBool(), "matches");
+    }
+
+    // A statement that never ends is stopped at its time limit and the connection stays usable.
+    void scanStopsAtItsTimeLimit()
+    {
+        const QSqlDatabase db = m_env->context().itemDatabase;
+        QElapsedTimer clock;
+        clock.start();
+        const IdScan endless = scanIds(db,
+                                       QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL "
+                                                      "SELECT x + 1 FROM n) SELECT x FROM n "
+                                                      "WHERE x < 0"),
+                                       {}, 200);
+        QVERIFY(endless.timedOut);
+        QVERIFY(!endless.ok());
+        QVERIFY(clock.elapsed() < 3000);
+        const IdScan after = scanIds(db, QStringLiteral("SELECT ? + 1"), {41});
+        QVERIFY2(after.ok(), qPrintable(after.error));
+        QCOMPARE(after.ids, QList<qint64>{42});
     }
 };
 

@@ -184,6 +184,83 @@ private slots:
         for (qsizetype i = 0; i < edits.size(); i += 2)
             QCOMPARE(fresh->text(edits.at(i)).replace(QChar(0x202F), u' '), edits.at(i + 1));
     }
+
+    // Finds ask the database for the first match past a key; these are the places where that
+    // could part from walking the list.
+    void finds_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("moves"); // as in run(), before the find
+        QTest::addColumn<bool>("next");     // FindNext, else FindFirst
+        QTest::addColumn<QString>("criteria");
+        QTest::addColumn<QString>("expected");
+        const QString all = ItemSql::kAllView, active = ItemSql::kActiveView;
+        const QString beanie = "(([ShortDescription] LIKE \"*beanie*\") OR ([Description] LIKE "
+                               "\"*beanie*\")) ";
+        const auto row = [](const char* name, const QString& source, const char* moves, bool next,
+                            const QString& criteria, const char* expected) {
+            QTest::newRow(name) << source << QString::fromLatin1(moves) << next << criteria
+                                << QString::fromUtf8(expected);
+        };
+        row("first match", all, "L", false, beanie, "Beanie Bear");
+        row("next past the current", all, "", true, beanie, "beanie baby");
+        row("description only", all, "NNN", true, beanie, "Teapot");
+        row("match before the current", all, "L", true, beanie, "Ünïcode (no match)");
+        row("from a deleted row", all, "NNX", true, "ShortDescription LIKE '*baby'", "beanie baby");
+        row("non-ASCII letter case", all, "", false, "ShortDescription LIKE '*CAFÉ*'", "Café Sign");
+        row("date literal", all, "", false, "DateAuctionEnds = #6/8/1999 10:00:00 AM#",
+            "Café Sign");
+        row("digit wildcard", all, "", false, "EbayID LIKE '1##'", "Teapot");
+        row("view in key order", active, "", true, beanie, "Teapot");
+        row("another view's row", active, "", false, "ShortDescription = 'beanie baby'",
+            "Beanie Bear (no match)");
+        row("quote typed into a box", all, "L", false, "EbayID LIKE '' OR '1'='1' ", "Beanie Bear");
+        row("union", all, "", false, "ID = 1 UNION SELECT 6", "Beanie Bear (no match)");
+        row("empty view", "SELECT * FROM Items WHERE ID < 0 ORDER BY ID", "", false, beanie,
+            "BE (no match)");
+    }
+    void finds()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, moves);
+        QFETCH(bool, next);
+        QFETCH(QString, criteria);
+        const auto item = [](const char* title, const char* description, int active,
+                             const char* ends = nullptr, const char* ebayId = nullptr) {
+            QVariantMap m{{"ShortDescription", QString::fromUtf8(title)},
+                          {"Description", QString::fromUtf8(description)},
+                          {"Active", active}};
+            if (ends)
+                m.insert("DateAuctionEnds", QString::fromLatin1(ends));
+            if (ebayId)
+                m.insert("EbayID", QString::fromLatin1(ebayId));
+            return m;
+        };
+        m_env->addItems({item("Beanie Bear", "<p>soft</p>", 1, "1999-06-01 00:00:00"),
+                         item("Café Sign", "Enamel", 0, "1999-06-08 10:00:00", "1234"),
+                         item("Tom's hat", "felt", 1), item("beanie baby", "", 0),
+                         item("Teapot", "has a BEANIE inside", 1, nullptr, "123"),
+                         item("Ünïcode", "", 1)});
+        auto rs = open(source);
+        run(*rs, moves);
+        if (next)
+            rs->findNext(criteria);
+        else
+            rs->findFirst(criteria);
+        QTEST(where(*rs), "expected");
+    }
+
+    // A row added behind the list's back is not one of its rows: the search goes on past it.
+    void findSkipsRowsTheListDoesNotHold()
+    {
+        m_env->addItems({{{"ShortDescription", "lamp"}}, {{"ShortDescription", "vase"}}});
+        auto rs = open();
+        m_env->addItems({{{"ShortDescription", "lamp"}}});
+        rs->moveNext();
+        QCOMPARE(rs->findNext("ShortDescription = 'lamp'"), RecordSet::FindResult::NoMatch);
+        QCOMPARE(rs->findFirst("ShortDescription = 'lamp'"), RecordSet::FindResult::Found);
+        QCOMPARE(rs->absolutePosition(), 0);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestRecordSet)

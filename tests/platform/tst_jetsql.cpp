@@ -37,6 +37,107 @@ private slots:
         QVERIFY2(t.ok() != expected.isNull(), qPrintable(t.error));
         QCOMPARE(t.sql, expected);
     }
+
+    void criteria_data()
+    {
+        QTest::addColumn<QString>("jet");
+        QTest::addColumn<QString>("sql"); // "!" refused after reading, "?" unreadable
+        QTest::addColumn<QVariantList>("values");
+        const auto row = [](const char* name, const char* jet, const char* sql,
+                            QVariantList values = {}) {
+            QTest::newRow(name) << QString::fromUtf8(jet) << QString::fromUtf8(sql) << values;
+        };
+        row("text search",
+            "EbayID LIKE '12*' And (([ShortDescription] LIKE \"*Tom's*\") OR ([Description] "
+            "LIKE \"*Tom's*\")) ",
+            "\"EbayID\" LIKE ? AND ((\"ShortDescription\" LIKE ?) OR (\"Description\" LIKE ?))",
+            {"12*", "*Tom's*", "*Tom's*"});
+        row("quote typed into a box", "EbayID LIKE '' OR '1'='1' ", "\"EbayID\" LIKE ? OR ? = ?",
+            {"", "1", "1"});
+        row("key and Yes", "Items.ID = 12 and Active=Yes", "\"ID\" = ? AND \"Active\" = ?",
+            {12, 1});
+        row("letter case of names", "shortdescription like 'x'", "\"ShortDescription\" LIKE ?",
+            {"x"});
+        row("dates between", "DateAuctionEnds Between #6/1/1999# AND #6/8/1999 10:00:00 PM#",
+            "\"DateAuctionEnds\" BETWEEN ? AND ?", {"1999-06-01 00:00:00", "1999-06-08 22:00:00"});
+        row("in, not like, is not null",
+            "NOT (ID IN (1, 2, -3) OR BuyerEmail NOT LIKE '*aol.com') AND BuyerName IS NOT NULL",
+            "NOT (\"ID\" IN (?, ?, ?) OR \"BuyerEmail\" NOT LIKE ?) AND \"BuyerName\" IS NOT NULL",
+            {1, 2, -3, "*aol.com"});
+        row("union", "ID = 1 UNION SELECT name FROM sqlite_master", "!");
+        row("sub-query", "ID IN (SELECT ID FROM Items)", "!");
+        row("second statement", "ID = 1; DELETE FROM Items", "!");
+        row("comment", "ID = 1 -- and the rest", "!");
+        row("block comment", "ID = 1 /* x */", "!");
+        row("other table", "sqlite_master.name = 'Items'", "!");
+        row("function call", "length(Description) > 5", "!");
+        row("unknown column", "Colour = 'red'", "!");
+        row("stray quote in title", "ShortDescription LIKE 'Tom's hat'", "?");
+        row("open bracket", "[ShortDescription LIKE 'x'", "?");
+        row("not a date", "DateAuctionEnds = #tomorrow#", "?");
+    }
+    void criteria()
+    {
+        QFETCH(QString, jet);
+        QFETCH(QString, sql);
+        const QStringList columns{"ID",         "EbayID",    "ShortDescription", "Description",
+                                  "BuyerEmail", "BuyerName", "DateAuctionEnds",  "Active"};
+        const JetCriteria c = parseJetCriteria(jet, columns);
+        if (sql == u"!" || sql == u"?") {
+            QVERIFY(!c.ok());
+            QCOMPARE(c.unreadable, sql == u"?");
+            return;
+        }
+        QVERIFY2(c.ok(), qPrintable(c.error));
+        QCOMPARE(c.sql, sql);
+        QTEST(c.values, "values");
+    }
+
+    // The byte path for plain patterns must agree with Unicode case folding everywhere.
+    void like_data()
+    {
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<bool>("matches");
+        const auto row = [](const char* pattern, const char* value, bool matches) {
+            QTest::newRow(qPrintable(QStringLiteral("%1 ~ %2").arg(QString::fromUtf8(pattern),
+                                                                   QString::fromUtf8(value))))
+                << QString::fromUtf8(pattern) << QString::fromUtf8(value) << matches;
+        };
+        row("*beanie*", "Rare BEANIE bear", true);
+        row("*beanie*", "Rare BEANI bear", false);
+        row("beanie", "Beanie", true);
+        row("beanie", "Beanies", false);
+        row("*aol.com", "x@AOL.COM", true);
+        row("*aol.com", "x@aol.com.au", false);
+        row("ab*ba", "aba", false); // the two ends may not share a character
+        row("ab*ba", "abba", true);
+        row("a*b*c", "aXXbYYc", true);
+        row("a*b*c", "aXXcYYb", false);
+        row("*", "", true);
+        row("", "", true);
+        row("", "x", false);
+        row("*café*", "Grand CAFÉ bar", true);
+        row("*CAFE*", "café", false);
+        row("*kelvin*", "\u212Aelvin scale", true); // the Kelvin sign folds to k
+        row("*sun*", "\u017Fun", true);             // so does the long s to s
+        row("*sun*", "Süd sun", true);
+        row("?afé", "café", true);
+        row("???", "日本語", true);
+        row("####", "2003", true);
+        row("####", "20O3", false);
+        row("[a-c]x", "Bx", true);
+        row("[!a-c]x", "Bx", false);
+        row("[!a-c]x", "éx", true);
+        row("*[0-9]", "Lot 7", true);
+    }
+    void like()
+    {
+        QFETCH(QString, pattern);
+        QFETCH(QString, value);
+        const QByteArray utf8 = value.toUtf8();
+        QTEST(JetLikePattern(pattern).matches(utf8.constData(), utf8.size()), "matches");
+    }
 };
 
 QTEST_GUILESS_MAIN(TestJetSql)

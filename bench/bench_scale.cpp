@@ -1,0 +1,372 @@
+// How the item window keeps up as the item database grows: start-up, the three views, Find
+// and moving one item, each timed alternately with SQLite doing the same work on a second
+// connection to the same file, at 1,000, 10,000 and 100,000 generated items (scripts/make-items).
+// Prints every figure with its ratio and goal; exits 1 when a ratio at the largest size misses
+// its goal.
+//
+//     bench_scale [--sizes 1000,10000,100000] [--data DIR] [--runs 7]
+#include "app/FindCriteria.h"
+#include "app/Launcher.h"
+#include "app/frmItems.h"
+#include "platform/Database.h"
+#include "platform/ScriptedPrompts.h"
+#include "platform/SettingsStore.h"
+#include "platform/Shell.h"
+#include "platform/TimeZone.h"
+#include "settings/AppContext.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMainWindow>
+#include <QProcess>
+#include <QSqlDatabase>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace {
+
+QElapsedTimer gSinceStart;
+
+// ---------------------------------------------------------------- measuring
+
+double medianOf(std::vector<double> v)
+{
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[v.size() / 2];
+}
+
+// Runs ours and the reference alternately, so both meet the same machine; median ms of each.
+std::pair<double, double> timeBoth(int runs, const std::function<void()>& ours,
+                                   const std::function<void()>& reference, int repeat = 1)
+{
+    std::vector<double> a, b;
+    for (int i = 0; i < runs; ++i) {
+        QElapsedTimer t;
+        t.start();
+        for (int r = 0; r < repeat; ++r)
+            ours();
+        a.push_back(t.nsecsElapsed() / 1e6 / repeat);
+        t.start();
+        for (int r = 0; r < repeat; ++r)
+            reference();
+        b.push_back(t.nsecsElapsed() / 1e6 / repeat);
+    }
+    return {medianOf(a), medianOf(b)};
+}
+
+struct Row
+{
+    int items;
+    QString operation;
+    double ours, reference, goal;
+    bool judged; // held against the goal (the largest size)
+};
+std::vector<Row> gRows;
+
+void report(int items, const QString& operation, std::pair<double, double> times, double goal,
+            bool judged)
+{
+    gRows.push_back({items, operation, times.first, times.second, goal, judged});
+    const double ratio = times.second > 0 ? times.first / times.second : 0;
+    std::printf("%7d  %-34s %10.3f ms %10.3f ms %8.2fx  goal <= %.1fx  %s\n", items,
+                qPrintable(operation), times.first, times.second, ratio, goal,
+                !judged         ? ""
+                : ratio <= goal ? "ok"
+                                : "MISSED");
+    std::fflush(stdout);
+}
+
+// ---------------------------------------------------------------- the reference: raw SQLite
+
+class RawSqlite
+{
+public:
+    explicit RawSqlite(const QString& path)
+    {
+        sqlite3_open_v2(path.toUtf8().constData(), &m_db, SQLITE_OPEN_READONLY, nullptr);
+    }
+    ~RawSqlite() { sqlite3_close(m_db); }
+    // Steps every row, reading every column as the program would show it; returns the rows.
+    int run(const char* sql, qint64 key = -1) const
+    {
+        sqlite3_stmt* s = nullptr;
+        sqlite3_prepare_v2(m_db, sql, -1, &s, nullptr);
+        if (key >= 0)
+            sqlite3_bind_int64(s, 1, key);
+        int rows = 0;
+        volatile qint64 sink = 0;
+        while (sqlite3_step(s) == SQLITE_ROW) {
+            ++rows;
+            for (int c = 0; c < sqlite3_column_count(s); ++c)
+                sink = sink + sqlite3_column_bytes(s, c) + (sqlite3_column_text(s, c) ? 1 : 0);
+        }
+        sqlite3_finalize(s);
+        return rows;
+    }
+
+private:
+    sqlite3* m_db = nullptr;
+};
+
+// ---------------------------------------------------------------- start-up, in a child process
+
+long peakKilobytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    status.open(QIODevice::ReadOnly);
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toLong();
+    }
+    return 0;
+}
+
+// Reports the time from main() to the first paint of a main window and the peak memory, then
+// quits. Watches the whole application: the window paints before start-up returns it.
+class FirstPaint : public QObject
+{
+public:
+    FirstPaint() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject* receiver, QEvent* event) override
+    {
+        auto* widget = qobject_cast<QWidget*>(receiver);
+        if (event->type() == QEvent::Paint && !m_done && widget &&
+            qobject_cast<QMainWindow*>(widget->window())) {
+            m_done = true;
+            std::printf("%.3f %ld\n", gSinceStart.nsecsElapsed() / 1e6, peakKilobytes());
+            std::fflush(stdout);
+        }
+        return false;
+    }
+    // Start-up may paint (and run the report) inside its own event processing, before the
+    // application's loop exists to be ended.
+    int exec()
+    {
+        while (!m_done)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        return 0;
+    }
+
+private:
+    bool m_done = false;
+};
+
+int childStart(int argc, char** argv, const QString& appDir, const QString& configDir)
+{
+    QApplication app(argc, argv);
+    ScriptedPrompts prompts;
+    RecordingShell shell;
+    SettingsStore store(configDir);
+    FixedTimeZone timeZone(300);
+    Launcher launcher(prompts, shell, store, timeZone);
+    FirstPaint watch;
+    if (!launcher.start({QStringLiteral("tallybid"), QStringLiteral("--appdir"), appDir}, appDir,
+                        QSize(1280, 1024)))
+        return 3;
+    return watch.exec();
+}
+
+int childBare(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    FirstPaint watch;
+    QMainWindow window;
+    window.setCentralWidget(new QLabel(QStringLiteral("Item 1 of 1"), &window));
+    window.resize(630, 600);
+    window.show();
+    return watch.exec();
+}
+
+// Milliseconds to first paint and peak kilobytes of one child.
+std::pair<double, long> runChild(const QStringList& arguments)
+{
+    QProcess child;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    child.setProcessEnvironment(env);
+    child.start(QCoreApplication::applicationFilePath(), arguments);
+    child.waitForFinished(120000);
+    const QList<QByteArray> parts = child.readAllStandardOutput().trimmed().split(' ');
+    if (parts.size() != 2)
+        qFatal("start-up child failed: %s", child.readAllStandardError().constData());
+    return {parts.at(0).toDouble(), parts.at(1).toLong()};
+}
+
+// ---------------------------------------------------------------- one database size
+
+QString makeDatabase(const QString& dataDir, int items)
+{
+    const QString folder = dataDir + QStringLiteral("/items-%1").arg(items);
+    const QString file = folder + QStringLiteral("/tb2.mdb");
+    if (QFileInfo::exists(file))
+        return folder;
+    QDir().mkpath(folder);
+    std::printf("generating %d items...\n", items);
+    std::fflush(stdout);
+    const int rc = QProcess::execute(
+        QStringLiteral("/usr/bin/python3"),
+        {QStringLiteral(TALLYBID_SOURCE_DIR "/scripts/make-items"), QString::number(items), file});
+    if (rc != 0)
+        qFatal("scripts/make-items failed");
+    return folder;
+}
+
+void measureStartup(const QString& folder, int items, int runs, bool judged)
+{
+    QTemporaryDir config;
+    std::vector<double> ours, bare;
+    for (int i = 0; i < runs; ++i) {
+        ours.push_back(runChild({QStringLiteral("--child-start"), folder, config.path()}).first);
+        bare.push_back(runChild({QStringLiteral("--child-bare")}).first);
+    }
+    report(items, QStringLiteral("start-up to first paint (vs bare)"),
+           {medianOf(ours), medianOf(bare)}, 1.5, judged);
+}
+
+void measureWindow(const QString& folder, int items, int runs, bool judged)
+{
+    const QString path = folder + QStringLiteral("/tb2.mdb");
+    QTemporaryDir config;
+    ScriptedPrompts prompts;
+    RecordingShell shell;
+    SettingsStore store(config.path());
+    FixedTimeZone timeZone(300);
+    const QString connection = QStringLiteral("bench-%1").arg(items);
+    const DatabaseOpenResult opened = openDatabase(path, connection);
+    if (!opened.ok())
+        qFatal("cannot open %s", qPrintable(path));
+    {
+        AppContext ctx{prompts, shell, store, timeZone, opened.database, {}};
+        ctx.state.appPath = folder;
+        ctx.state.databasePath = path;
+        ctx.state.themeSetFN = folder + QStringLiteral("/standard.tbt");
+        auto window = std::make_unique<frmItems>(ctx, QSize(1280, 1024));
+        window->show();
+        QCoreApplication::processEvents();
+        const RawSqlite raw(path);
+
+        report(items, QStringLiteral("open the All view"),
+               timeBoth(
+                   runs, [&] { window->mnuAll_Click(); },
+                   [&] { raw.run("SELECT ID FROM Items ORDER BY ID"); }),
+               2, judged);
+        report(items, QStringLiteral("open the Active view"),
+               timeBoth(
+                   runs, [&] { window->mnuOpen_Click(); },
+                   [&] { raw.run("SELECT ID FROM Items WHERE Active = 1 ORDER BY ID"); }),
+               2, judged);
+        report(items, QStringLiteral("open the Inactive view"),
+               timeBoth(
+                   runs, [&] { window->mnuClosed_Click(); },
+                   [&] { raw.run("SELECT ID FROM Items WHERE Active = 0 ORDER BY ID"); }),
+               2, judged);
+
+        // Find Again runs the request without the dialog, from the first item.
+        window->mnuAll_Click();
+        const auto find = [&](const QString& text, const char* reference) {
+            ctx.state.findCriteria = FindCriteria::textSearch({}, text, {}, {});
+            return timeBoth(
+                runs,
+                [&] {
+                    window->mnuFirst_Click();
+                    window->mnuFindAgain_Click();
+                },
+                [&] { raw.run(reference); });
+        };
+        const int near = std::min(26, items);
+        report(items, QStringLiteral("Find, first match is item %1").arg(near),
+               find(QStringLiteral("Lot %1.").arg(near),
+                    qPrintable(QStringLiteral("SELECT ID FROM Items WHERE ShortDescription LIKE "
+                                              "'%Lot %1.%' OR Description LIKE '%Lot %1.%' "
+                                              "ORDER BY ID LIMIT 1")
+                                   .arg(near))),
+               2, judged);
+        report(items, QStringLiteral("Find with no match"),
+               find(QStringLiteral("zqxjv"),
+                    "SELECT ID FROM Items WHERE ShortDescription LIKE '%zqxjv%' OR "
+                    "Description LIKE '%zqxjv%' ORDER BY ID"),
+               2, judged);
+
+        window->mnuFirst_Click();
+        qint64 key = window->data().bookmark();
+        report(items, QStringLiteral("next item"),
+               timeBoth(
+                   runs, [&] { window->mnuNext_Click(); },
+                   [&] { raw.run("SELECT * FROM Items WHERE ID = ?", ++key); }, 50),
+               5, judged);
+        report(items, QStringLiteral("previous item"),
+               timeBoth(
+                   runs, [&] { window->mnuPrevious_Click(); },
+                   [&] { raw.run("SELECT * FROM Items WHERE ID = ?", --key); }, 50),
+               5, judged);
+        window->close();
+    }
+    QSqlDatabase::removeDatabase(connection);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    gSinceStart.start();
+    if (argc >= 4 && qstrcmp(argv[1], "--child-start") == 0)
+        return childStart(argc, argv, QString::fromLocal8Bit(argv[2]),
+                          QString::fromLocal8Bit(argv[3]));
+    if (argc >= 2 && qstrcmp(argv[1], "--child-bare") == 0)
+        return childBare(argc, argv);
+
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QList<int> sizes{1000, 10000, 100000};
+    QString dataDir = QDir::tempPath() + QStringLiteral("/tallybid-bench");
+    int runs = 7;
+    const QStringList args = app.arguments();
+    for (int i = 1; i + 1 < args.size(); ++i) {
+        if (args.at(i) == QLatin1String("--sizes")) {
+            sizes.clear();
+            for (const QString& s : args.at(i + 1).split(u','))
+                sizes << s.toInt();
+        } else if (args.at(i) == QLatin1String("--data")) {
+            dataDir = args.at(i + 1);
+        } else if (args.at(i) == QLatin1String("--runs")) {
+            runs = args.at(i + 1).toInt();
+        }
+    }
+    const int largest = *std::max_element(sizes.cbegin(), sizes.cend());
+
+    std::printf("%7s  %-34s %13s %13s %9s\n", "items", "operation", "Tallybid", "reference",
+                "ratio");
+    for (const int items : std::as_const(sizes)) {
+        const QString folder = makeDatabase(dataDir, items);
+        measureStartup(folder, items, runs, items == largest);
+        measureWindow(folder, items, runs, items == largest);
+    }
+    // Peak memory of a start-up over the largest database against one over an empty one.
+    const QString empty = makeDatabase(dataDir, 0);
+    QTemporaryDir config;
+    const long emptyPeak = runChild({QStringLiteral("--child-start"), empty, config.path()}).second;
+    const long largePeak =
+        runChild({QStringLiteral("--child-start"),
+                  dataDir + QStringLiteral("/items-%1").arg(largest), config.path()})
+            .second;
+    report(largest, QStringLiteral("peak memory (KB, vs empty database)"),
+           {double(largePeak), double(emptyPeak)}, 1.3, true);
+
+    const bool missed = std::any_of(gRows.cbegin(), gRows.cend(), [](const Row& r) {
+        return r.judged && r.reference > 0 && r.ours / r.reference > r.goal;
+    });
+    std::printf(missed ? "\nSome goals were missed.\n" : "\nEvery goal was met.\n");
+    return missed ? 1 : 0;
+}
