@@ -47,6 +47,9 @@ QString copyFile(const QString& from, const QString& to)
     QFile source(from);
     if (!source.copy(part))
         return source.errorString();
+    // The user's own copy: writable by the user (the Ad Studio saves into the themeset) even
+    // when the shipped file is read-only, and private like the folder.
+    QFile::setPermissions(part, QFile::ReadOwner | QFile::WriteOwner);
     if (!QFile::rename(part, to)) {
         QFile::remove(part);
         return QStringLiteral("could not move %1 into place").arg(part);
