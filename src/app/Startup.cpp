@@ -6,7 +6,6 @@
 #include "platform/SettingsStore.h"
 #include "settings/SettingsCatalogue.h"
 
-#include <QDir>
 #include <QFile>
 
 namespace Startup {

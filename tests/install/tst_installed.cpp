@@ -285,14 +285,17 @@ void TestInstalled::firstStartSecondCopyAndRestart()
     QCOMPARE(restart.state(), QProcess::Running);
 }
 
-// The settings file holds the FTP, auction-site and mail passwords: it must be the user's alone.
-// NOTE: this check passes once the settings store creates its file 0600 (the settings-store
-// branch); until that is merged it fails on its own, without hiding the other checks.
+// The settings file holds the FTP, auction-site and mail passwords: it and its folder must be
+// the user's alone.
+// NOTE: this passes once the settings store creates its file 0600 and its folder 0700 (the
+// settings-store branch); until that is merged it fails on its own, hiding no other check.
 void TestInstalled::settingsFileIsPrivate()
 {
     const QString settings = home(QStringLiteral(".config/tallybid/Tallybid.ini"));
     QVERIFY2(QFileInfo::exists(settings), "the first start writes the settings file");
     QCOMPARE(QFileInfo(settings).permissions() & kModeBits, QFile::ReadOwner | QFile::WriteOwner);
+    QCOMPARE(QFileInfo(QFileInfo(settings).absolutePath()).permissions() & kModeBits,
+             QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 QTEST_GUILESS_MAIN(TestInstalled)
