@@ -1,16 +1,15 @@
 // Start-up: the command line, where the application folder is and how a new one is set up, the
-// failure texts, one copy per user; and the find requests and the calculator.
+// refusals and failure texts; and the find requests and the calculator. The installed program
+// itself, first start and second copy included, is tested in tests/install.
 #include "../support/TestEnvironment.h"
 #include "app/AppFolder.h"
 #include "app/Calculator.h"
 #include "app/FindCriteria.h"
 #include "app/Launcher.h"
 #include "app/Startup.h"
-#include "app/frmItems.h"
 #include "app/texts.h"
 #include "platform/Database.h"
 
-#include <QLineEdit>
 #include <QSqlQuery>
 #include <QtTest>
 #include <unistd.h>
@@ -48,19 +47,16 @@ int rowCount(const QString& database)
     return count;
 }
 
-// An installed layout in a temporary folder: prefix/bin (the program's folder) and
-// prefix/share/tallybid with a few shipped files.
-struct InstalledLayout
+// What an installed copy ships in share/tallybid, in a temporary folder.
+struct ShippedFiles
 {
-    InstalledLayout()
+    ShippedFiles()
     {
-        QDir().mkpath(bin());
-        writeFile(shipped() + QStringLiteral("/standard.tbt"), "themes");
-        writeFile(shipped() + QStringLiteral("/Backgr/linen.jpg"), "jpeg");
-        writeFile(shipped() + QStringLiteral("/schema.sql"), "not for the data folder");
+        writeFile(path() + QStringLiteral("/standard.tbt"), "themes");
+        writeFile(path() + QStringLiteral("/Backgr/linen.jpg"), "jpeg");
+        writeFile(path() + QStringLiteral("/schema.sql"), "not for the data folder");
     }
-    QString bin() const { return prefix.filePath(QStringLiteral("bin")); }
-    QString shipped() const { return prefix.filePath(QStringLiteral("share/tallybid")); }
+    QString path() const { return prefix.filePath(QStringLiteral("share/tallybid")); }
     QTemporaryDir prefix;
 };
 
@@ -76,8 +72,6 @@ private slots:
     void chooseFolder();
     void setUpDataFolder_data();
     void setUpDataFolder();
-    void setUpFailsWithReason();
-    void firstStartAndSecondCopy();
     void refusals_data();
     void refusals();
     void openFailureMessages_data();
@@ -167,7 +161,7 @@ void TestStartup::setUpDataFolder_data()
 void TestStartup::setUpDataFolder()
 {
     QFETCH(bool, existing);
-    const InstalledLayout layout;
+    const ShippedFiles shipped;
     QTemporaryDir home;
     const QString folder = home.filePath(QStringLiteral(".local/share/tallybid"));
     if (existing) {
@@ -187,7 +181,7 @@ void TestStartup::setUpDataFolder()
         QSqlDatabase::removeDatabase(QStringLiteral("seed"));
     }
 
-    QCOMPARE(AppFolder::setUp(folder, layout.shipped(), AppFolder::builtInSchema()), QString());
+    QCOMPARE(AppFolder::setUp(folder, shipped.path(), AppFolder::builtInSchema()), QString());
 
     QCOMPARE(rowCount(folder + QStringLiteral("/tb2.mdb")), existing ? 1 : 0);
     QCOMPARE(readFile(folder + QStringLiteral("/standard.tbt")),
@@ -198,54 +192,6 @@ void TestStartup::setUpDataFolder()
     // A new folder is the user's alone; one the user opened up is left as the user set it.
     QCOMPARE(bool(QFileInfo(folder).permissions() & QFile::ReadGroup), existing);
     QVERIFY(!(QFileInfo(folder).permissions() & (others & ~QFile::ReadGroup)));
-}
-
-void TestStartup::setUpFailsWithReason()
-{
-    // Nothing can be made under /proc, not even by root.
-    const QString folder = QStringLiteral("/proc/tallybid-test/tallybid");
-    const QString message = AppFolder::setUp(folder, {}, AppFolder::builtInSchema());
-    QVERIFY2(message.startsWith(QStringLiteral("Tallybid could not set up its folder ") + folder +
-                                QStringLiteral(" (")),
-             qPrintable(message));
-    QVERIFY2(message.size() > folder.size() + 45, qPrintable(message)); // a reason is given
-    QCOMPARE(AppFolder::writeProblem(QStringLiteral("/no/such/folder")),
-             QStringLiteral("it does not exist"));
-    QVERIFY(!AppFolder::writeProblem(QStringLiteral("/proc")).isEmpty());
-}
-
-// The installed program's first start: no folder named, none beside the program, so the user's
-// data folder is set up and the item window opens on one new item. A second copy, even on
-// another folder, is then refused.
-void TestStartup::firstStartAndSecondCopy()
-{
-    const InstalledLayout layout;
-    QTemporaryDir data;
-    QTemporaryDir runtime;
-    qputenv("XDG_DATA_HOME", data.path().toLocal8Bit());
-    TestEnvironment env;
-    const QString folder = data.filePath(QStringLiteral("tallybid"));
-
-    Launcher first(env.prompts(), env.shell(), env.store(), env.context().timeZone);
-    first.setLockFolder(runtime.path());
-    QVERIFY(first.start({QStringLiteral("tallybid")}, layout.bin(), QSize(1280, 1024)));
-    QVERIFY(env.prompts().shown().isEmpty());
-    QCOMPARE(first.context()->state.appPath, folder);
-    QCOMPARE(rowCount(folder + QStringLiteral("/tb2.mdb")), 1);
-    QCOMPARE(first.window()->findChild<QLineEdit*>(QStringLiteral("txtTotItem"))->text(),
-             QStringLiteral("1"));
-    QCOMPARE(readFile(folder + QStringLiteral("/Backgr/linen.jpg")), QByteArray("jpeg"));
-
-    Launcher second(env.prompts(), env.shell(), env.store(), env.context().timeZone);
-    second.setLockFolder(runtime.path());
-    QVERIFY(!second.start({QStringLiteral("tallybid"), QStringLiteral("--appdir"), env.appPath()},
-                          layout.bin(), QSize(1280, 1024)));
-    QCOMPARE(second.exitCode(), 0);
-    QCOMPARE(env.prompts().shown().value(0).text, Texts::kAlreadyRunning);
-    // The refused copy left the settings pointing at the running copy's folder.
-    QCOMPARE(env.store().get(QStringLiteral("Tallybid"), QStringLiteral("SystemData"),
-                             QStringLiteral("AppPath")),
-             folder);
 }
 
 void TestStartup::refusals_data()

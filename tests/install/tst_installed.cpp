@@ -267,6 +267,9 @@ void TestInstalled::firstStartSecondCopyAndRestart()
         20000);
     QCOMPARE(itemCount(other + QStringLiteral("/tb2.mdb")), 0);
     QCOMPARE(lockHolder(), QString::number(first.processId()));
+    // Refused before it saved anything: the settings still name the running copy's folder.
+    QVERIFY(readFile(home(QStringLiteral(".config/tallybid/Tallybid.ini")))
+                .contains(QByteArray("AppPath=" + folder.toUtf8() + '\n')));
     second.kill();
     first.kill();
     QVERIFY(first.waitForFinished(5000));
