@@ -1,5 +1,6 @@
 #include "app/Launcher.h"
 
+#include "app/AppFolder.h"
 #include "app/Startup.h"
 #include "app/frmItems.h"
 #include "app/frmSplash.h"
@@ -10,9 +11,11 @@
 #include "settings/AppContext.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QLockFile>
 #include <QSqlDatabase>
 #include <QUuid>
+#include <cstdio>
 
 Launcher::Launcher(Prompts& prompts, Shell& shell, SettingsStore& store, TimeZone& timeZone)
     : m_prompts(prompts), m_shell(shell), m_store(store), m_timeZone(timeZone)
@@ -30,20 +33,55 @@ Launcher::~Launcher()
         QSqlDatabase::removeDatabase(m_connection);
 }
 
+bool Launcher::refuse(const QString& text, const QString& title, int exitCode)
+{
+    // Also on standard error, so a start from a terminal or a script shows why it ended.
+    std::fprintf(stderr, "tallybid: %s\n", qPrintable(text));
+    std::fflush(stderr);
+    if (title.isEmpty())
+        m_prompts.message(text);
+    else
+        m_prompts.message(text, title, PromptIcon::Critical);
+    m_exitCode = exitCode;
+    return false;
+}
+
 bool Launcher::start(const QStringList& arguments, const QString& executableDir, QSize screenPixels)
 {
-    const QString appPath = Startup::appPath(arguments, executableDir);
+    const AppFolder::Choice folder = AppFolder::choose(arguments, executableDir);
+    const QString& appPath = folder.path;
     const QString databasePath = appPath + QLatin1String("/tb2.mdb");
+    if (folder.kind == AppFolder::Kind::UserData) {
+        const QString problem = AppFolder::setUp(appPath, AppFolder::shippedFolder(executableDir),
+                                                 AppFolder::builtInSchema());
+        if (!problem.isEmpty())
+            return refuse(problem, Texts::kErrorTitle, 1);
+    }
+    // A folder that holds the database but cannot be written would fail later and obscurely
+    // (SQLite keeps its journal beside the file); say so now.
+    if (QFileInfo::exists(databasePath)) {
+        if (const QString problem = AppFolder::writeProblem(appPath); !problem.isEmpty())
+            return refuse(AppFolder::cannotWriteMessage(appPath, problem), Texts::kErrorTitle, 1);
+    }
     m_connection = QStringLiteral("ItemDatabase-") + QUuid::createUuid().toString();
     const DatabaseOpenResult opened = openDatabase(databasePath, m_connection);
     if (!opened.ok()) {
         const Startup::OpenFailure failure = Startup::describeOpenFailure(opened);
-        if (failure.title.isEmpty())
-            m_prompts.message(failure.text);
-        else
-            m_prompts.message(failure.text, failure.title, PromptIcon::Critical);
-        m_exitCode = 1;
-        return false;
+        return refuse(failure.text, failure.title, 1);
+    }
+
+    // One copy per user, whatever its folder: the settings are the user's, not the folder's.
+    // Checked before anything is saved, so a refused copy leaves the settings as they were.
+    const QString lockFolder = m_lockFolder.isNull() ? AppFolder::lockFolder() : m_lockFolder;
+    m_lock = std::make_unique<QLockFile>(lockFolder + QLatin1String("/tallybid.lock"));
+    if (lockFolder.isEmpty() || !m_lock->tryLock(0)) {
+        if (!lockFolder.isEmpty() && m_lock->error() == QLockFile::LockFailedError)
+            return refuse(Texts::kAlreadyRunning, {}, 0);
+        QString reason = lockFolder.isEmpty() ? QStringLiteral("the system names no runtime folder")
+                                              : AppFolder::writeProblem(lockFolder);
+        if (reason.isEmpty())
+            reason = QStringLiteral("the lock file could not be created");
+        return refuse(AppFolder::cannotLockMessage(lockFolder, reason), Texts::kErrorTitle, 1);
     }
 
     m_context = std::unique_ptr<AppContext>(
@@ -58,15 +96,6 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     frmSplash splash;
     splash.show();
     QCoreApplication::processEvents();
-
-    // One copy per application folder: a second one would share tb2.mdb with the first.
-    m_lock = std::make_unique<QLockFile>(appPath + QLatin1String("/tallybid.lock"));
-    if (!m_lock->tryLock(0)) {
-        splash.close();
-        m_prompts.message(Texts::kAlreadyRunning);
-        m_exitCode = 0;
-        return false;
-    }
 
     state.options = OptionsRecord::load(m_store);
     m_window = std::make_unique<frmItems>(*m_context, screenPixels);

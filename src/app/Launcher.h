@@ -12,8 +12,9 @@ class QLockFile;
 class frmItems;
 struct AppContext;
 
-// Start-up in order: application folder, tb2.mdb, settings, splash, one copy per folder, the
-// item window with its last view. Kept apart from main() so tests run it with their seams.
+// Start-up in order: application folder (set up on first use), tb2.mdb, settings, splash, one
+// copy per user, the item window with its last view. Kept apart from main() so tests run it
+// with their seams.
 class Launcher
 {
 public:
@@ -24,10 +25,14 @@ public:
     // how. On success the item window is shown.
     bool start(const QStringList& arguments, const QString& executableDir, QSize screenPixels);
     int exitCode() const { return m_exitCode; }
+    // Where the one-copy lock is kept; the user's runtime folder unless set.
+    void setLockFolder(const QString& folder) { m_lockFolder = folder; }
     frmItems* window() const { return m_window.get(); }
     AppContext* context() const { return m_context.get(); }
 
 private:
+    bool refuse(const QString& text, const QString& title, int exitCode);
+
     Prompts& m_prompts;
     Shell& m_shell;
     SettingsStore& m_store;
@@ -36,5 +41,6 @@ private:
     std::unique_ptr<QLockFile> m_lock;
     std::unique_ptr<frmItems> m_window;
     QString m_connection;
+    QString m_lockFolder;
     int m_exitCode = 0;
 };

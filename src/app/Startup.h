@@ -10,8 +10,9 @@ struct DatabaseOpenResult;
 // Start-up rules that need no window.
 namespace Startup {
 
-// The application folder: "--appdir DIR" when given, else the executable's folder; never with a
-// trailing separator (a root folder keeps its single "/").
+// The application folder: "--appdir DIR" when given, else the executable's folder when it holds
+// tb2.mdb, else the user's data folder (see AppFolder); never with a trailing separator (a root
+// folder keeps its single "/").
 QString appPath(const QStringList& arguments, const QString& executableDir);
 // The settings folder: "--configdir DIR", else $TALLYBID_CONFIG_DIR, else the user's default.
 QString configFolder(const QStringList& arguments);
@@ -26,6 +27,25 @@ struct ScreenRule
 ScreenRule screenRule(QSize screenPixels);
 
 inline constexpr int kTwipsPerPixel = 15;
+
+// What the command line asks for. Options of Qt's own (-style, -platform...) pass through.
+struct CommandLine
+{
+    enum class Action
+    {
+        Run,
+        Help,
+        Version,
+        BatchListing,
+        Wrong
+    };
+    Action action = Action::Run;
+    QString error; // for Wrong: "unknown option --x", "--appdir needs a value"...
+};
+CommandLine parseCommandLine(const QStringList& arguments);
+// "tallybid --help": the window options; the batch listing adds its own text after it.
+QString usage();
+QString versionText();
 
 // The message shown when tb2.mdb cannot be opened, and its title.
 struct OpenFailure

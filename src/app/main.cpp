@@ -1,5 +1,6 @@
-// Tallybid: the program's entry. Checks for a display, then hands over to the Launcher with
-// the real dialogs, desktop shell, settings folder and time zone.
+// Tallybid: the program's entry. Reads the command line, checks for a display, then hands over
+// to the Launcher with the real dialogs, desktop shell, settings folder and time zone.
+#include "app/AppFolder.h"
 #include "app/Launcher.h"
 #include "app/Startup.h"
 #include "listing/BatchListing.h"
@@ -12,7 +13,6 @@
 #include <QIcon>
 #include <QScreen>
 #include <QTextStream>
-#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -29,12 +29,6 @@ bool displayAvailable()
 #endif
 }
 
-constexpr const char* kUsage =
-    "Usage: tallybid [--appdir DIR] [--configdir DIR]\n"
-    "  --appdir DIR     the application folder holding tb2.mdb (default: the program's folder)\n"
-    "  --configdir DIR  where the settings are kept (default: $TALLYBID_CONFIG_DIR or\n"
-    "                   ~/.config/tallybid)\n";
-
 constexpr const char* kNoDisplay =
     "Tallybid is a desktop program and needs a graphical display, but none was found\n"
     "(DISPLAY and WAYLAND_DISPLAY are not set). To run it without a screen, start it under a\n"
@@ -48,25 +42,38 @@ int main(int argc, char* argv[])
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
-    const bool batchListing =
-        std::any_of(arguments.cbegin(), arguments.cend(), [](const QString& a) {
-            return a == QLatin1String("--listing") || a.startsWith(QLatin1String("--listing="));
-        });
-    if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
-        std::fputs(kUsage, stdout);
+    const Startup::CommandLine commandLine = Startup::parseCommandLine(arguments);
+    switch (commandLine.action) {
+    case Startup::CommandLine::Action::Wrong:
+        std::fprintf(stderr, "tallybid: %s\n\n%s", qPrintable(commandLine.error),
+                     qPrintable(Startup::usage()));
+        return 2;
+    case Startup::CommandLine::Action::Help:
+        std::fputs(Startup::usage().toLocal8Bit().constData(), stdout);
         std::fputs("\n", stdout);
         std::fputs(batchListingHelp().toLocal8Bit().constData(), stdout);
         return 0;
-    }
-    if (batchListing) {
+    case Startup::CommandLine::Action::Version:
+        std::fputs(Startup::versionText().toLocal8Bit().constData(), stdout);
+        return 0;
+    case Startup::CommandLine::Action::BatchListing: {
         // One advertisement, written and printed without any window or display.
         QCoreApplication app(argc, argv);
+        QStringList batchArguments = QCoreApplication::arguments();
+        // The same folder a window start would use, but never set up: a batch run only reads.
+        if (AppFolder::optionValue(batchArguments, QStringLiteral("--appdir")).isEmpty())
+            batchArguments << QStringLiteral("--appdir")
+                           << Startup::appPath(batchArguments,
+                                               QCoreApplication::applicationDirPath());
         QTextStream out(stdout);
         QTextStream err(stderr);
-        const int code = runBatchListing(QCoreApplication::arguments(), out, err);
+        const int code = runBatchListing(batchArguments, out, err);
         out.flush();
         err.flush();
         return code;
+    }
+    case Startup::CommandLine::Action::Run:
+        break;
     }
     if (!displayAvailable()) {
         std::fputs(kNoDisplay, stderr);
@@ -76,7 +83,10 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Tallybid"));
     QApplication::setApplicationVersion(QStringLiteral(TALLYBID_VERSION));
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/tallybid.png")));
+    // Lets the desktop match the windows to the installed entry and its icon.
+    QGuiApplication::setDesktopFileName(QLatin1String(AppFolder::kDesktopId));
+    QApplication::setWindowIcon(QIcon::fromTheme(QLatin1String(AppFolder::kDesktopId),
+                                                 QIcon(QStringLiteral(":/icons/tallybid.png"))));
 
     QtPrompts prompts;
     DesktopShell shell;

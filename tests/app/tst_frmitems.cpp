@@ -249,6 +249,7 @@ void TestItemWindow::launcher()
     env.writeFile(QStringLiteral("Start.htm"), "cached");
     const QString dir = folder == QLatin1String("missing") ? empty.path() : env.appPath();
     Launcher launcher(env.prompts(), env.shell(), env.store(), env.context().timeZone);
+    launcher.setLockFolder(env.appPath());
     QTEST(launcher.start({QStringLiteral("tallybid"), QStringLiteral("--appdir"), dir}, {},
                          QSize(1280, 1024)),
           "started");
