@@ -231,6 +231,11 @@ Outcome writeThrough(const QString& scratch, const QString& target, const QByteA
 bool removeIfStale(const QString& path)
 {
     const QByteArray name = nativePath(path);
+    struct stat named
+    {
+    };
+    if (::lstat(name.constData(), &named) != 0 || !S_ISREG(named.st_mode))
+        return false; // only plain files are scratch copies; nothing else is even opened
     constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     Descriptor fd(::open(name.constData(), O_RDWR | flags));
     if (!fd.valid())
