@@ -1,13 +1,13 @@
 #include "listing/ListingGenerator.h"
 
 #include "listing/ListingTexts.h"
+#include "platform/AtomicFile.h"
 #include "platform/TextRoutines.h"
 #include "settings/SettingsCatalogue.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
-#include <QSaveFile>
 
 #include <cmath>
 
@@ -332,13 +332,14 @@ std::optional<ThemeSetMessage> writeListing(const QString& appPath, const QStrin
 {
     if (!QFileInfo(appPath).isDir())
         return exclamation(kInvalidDirectory, kInvalidDirectoryTitle);
-    QSaveFile file(listingFilePath(appPath));
-    const QByteArray bytes = (text + kCrLf).toUtf8();
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+    // Scratch copies left by a run that was stopped go first; another copy's are left alone.
+    const AtomicFile::Outcome failure =
+        AtomicFile::write(listingFilePath(appPath), (text + kCrLf).toUtf8());
+    if (!failure)
         return {};
     return exclamation(errorText(kErrPathFileAccess, QStringLiteral("Path/File access error") +
                                                          kCrLf + listingFilePath(appPath) +
-                                                         QStringLiteral(": ") + file.errorString()),
+                                                         QStringLiteral(": ") + failure->reason),
                        kErrorTitle);
 }
 

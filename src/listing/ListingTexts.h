@@ -25,6 +25,11 @@ inline const QString kQuoteInThemeTitle = QStringLiteral("Theme Not Saved");
 inline const QString kQuoteInTheme =
     QStringLiteral("A theme's name, font names and file paths cannot contain a double quote (\").  "
                    "Please remove it and save again.");
+// Shown under kQuoteInThemeTitle when a Windows-1252 themeset cannot hold a character of a theme.
+inline const QString kUnstorableInTheme =
+    QStringLiteral("This themeset is 8-bit text (Windows-1252), which cannot hold some characters "
+                   "of this theme's name, font names or file paths.  Please replace them and save "
+                   "again.");
 
 // "Theme: " + theme + " does not exist in Themeset: " + path + ".  Request aborted."
 inline QString themeNotInThemeset(const QString& theme, const QString& path)

@@ -1,21 +1,17 @@
 #include "listing/ThemeSet.h"
 
 #include "listing/ListingTexts.h"
+#include "platform/AtomicFile.h"
 #include "platform/SettingsStore.h"
+#include "platform/TextCodec.h"
 #include "settings/SettingsCatalogue.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSaveFile>
 
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
-#include <cstring>
-#include <fcntl.h>
-#include <unistd.h>
 
 using namespace ListingText;
 
@@ -35,10 +31,25 @@ struct ThemeFileError
     throw ThemeFileError{number, description};
 }
 
+// A theme the file cannot hold is refused with a message of its own, before anything is written.
+struct ThemeRefusal
+{
+    ThemeSetMessage message;
+};
+
 ThemeSetMessage errorMessage(const ThemeFileError& error)
 {
     return {errorText(error.number, error.description), kErrorTitle, PromptIcon::Exclamation};
 }
+
+// A themeset is 8-bit text. Files this program writes are UTF-8; a file that is not valid
+// UTF-8 was written on an older system in its Windows-1252 code page, and keeps that encoding
+// when themes are added or saved into it.
+enum class TextEncoding
+{
+    Utf8,
+    Windows1252
+};
 
 // ---------------------------------------------------------------------------------------------
 // One field as the reader found it. raw holds a string's characters (without quotes) or an
@@ -59,7 +70,9 @@ struct Field
     FieldKind kind = FieldKind::Empty;
     QByteArray raw;
     qsizetype start = 0;
-    qsizetype end = 0;
+    qsizetype end = 0;     // after the value (a string's closing quote)
+    qsizetype stop = 0;    // where its separator begins, after anything that trails the value
+    bool unclosed = false; // a string whose closing quote is missing runs to the end of the file
 };
 
 bool isBlank(char c)
@@ -96,7 +109,11 @@ FieldKind classify(const QByteArray& token)
 class FieldReader
 {
 public:
-    FieldReader(QByteArray data, QString path) : m_data(std::move(data)), m_path(std::move(path)) {}
+    FieldReader(QByteArray data, QString path)
+        : m_data(std::move(data)), m_path(std::move(path)),
+          m_encoding(TextCodec::isUtf8(m_data) ? TextEncoding::Utf8 : TextEncoding::Windows1252)
+    {
+    }
 
     // End of file by position, as a sequential reader sees it.
     bool atEnd() const { return m_pos >= m_data.size(); }
@@ -129,6 +146,7 @@ public:
             field.raw = m_data.mid(m_pos + 1, end - m_pos - 1);
             m_pos = close < 0 ? n : close + 1;
             field.end = m_pos;
+            field.unclosed = close < 0;
             // Anything between the closing quote and the separator is not part of the value.
             while (m_pos < n && m_data.at(m_pos) != ',' && !isLineEnd(m_data.at(m_pos)))
                 ++m_pos;
@@ -142,6 +160,7 @@ public:
             field.end = start + field.raw.size();
             field.kind = classify(field.raw);
         }
+        field.stop = m_pos;
         skipSeparator();
         return field;
     }
@@ -156,6 +175,12 @@ public:
     }
 
     const QString& path() const { return m_path; }
+    TextEncoding encoding() const { return m_encoding; }
+    QString text(const QByteArray& bytes) const
+    {
+        return m_encoding == TextEncoding::Utf8 ? QString::fromUtf8(bytes)
+                                                : TextCodec::fromWindows1252(bytes);
+    }
     qsizetype pos() const { return m_pos; }
     qsizetype size() const { return m_data.size(); }
     QByteArray bytes(qsizetype from, qsizetype to) const { return m_data.mid(from, to - from); }
@@ -179,6 +204,7 @@ private:
 
     QByteArray m_data;
     QString m_path;
+    TextEncoding m_encoding;
     qsizetype m_pos = 0;
 };
 
@@ -192,7 +218,7 @@ QString typeMismatch(const FieldReader& reader, int fieldNumber, const char* wan
            reader.path() + QStringLiteral(" is not ") + QLatin1String(wanted) + u'.';
 }
 
-QString toText(const Field& field)
+QString toText(const Field& field, const FieldReader& reader)
 {
     switch (field.kind) {
     case FieldKind::Empty:
@@ -206,7 +232,7 @@ QString toText(const Field& field)
     case FieldKind::Bare:
         break;
     }
-    return QString::fromUtf8(field.raw);
+    return reader.text(field.raw);
 }
 
 double roundHalfEven(double value)
@@ -286,9 +312,14 @@ bool toBoolean(const Field& field, const FieldReader& reader, int fieldNumber)
 // ---------------------------------------------------------------------------------------------
 // Writing.
 
-QByteArray quoted(const QString& text)
+QByteArray quoted(const QString& text, TextEncoding encoding = TextEncoding::Utf8)
 {
-    return '"' + text.toUtf8() + '"';
+    if (encoding == TextEncoding::Utf8)
+        return '"' + text.toUtf8() + '"';
+    const std::optional<QByteArray> bytes = TextCodec::toWindows1252(text);
+    if (!bytes)
+        throw ThemeRefusal{{kUnstorableInTheme, kQuoteInThemeTitle, PromptIcon::Exclamation}};
+    return '"' + *bytes + '"';
 }
 
 QByteArray booleanText(bool value)
@@ -319,26 +350,29 @@ QByteArray record(const QList<QByteArray>& fields)
 }
 
 // The record as the editor writes it; a new theme's record carries its sound loop as 1.
-QByteArray themeRecord(const Theme& t, bool newRecord)
+// The texts go in the encoding of the file the record is written to; a text that encoding
+// cannot hold refuses the record.
+QByteArray themeRecord(const Theme& t, bool newRecord, TextEncoding encoding = TextEncoding::Utf8)
 {
-    QList<QByteArray> f{quoted(t.name),
+    const auto q = [encoding](const QString& text) { return quoted(text, encoding); };
+    QList<QByteArray> f{q(t.name),
                         QByteArray::number(t.tableColor),
-                        quoted(t.backgroundImage),
-                        quoted(t.soundFile),
+                        q(t.backgroundImage),
+                        q(t.soundFile),
                         QByteArray::number(t.borderWidth),
-                        quoted(t.cellAlign),
+                        q(t.cellAlign),
                         newRecord ? QByteArray::number(t.loop ? 1 : 0) : booleanText(t.loop),
-                        quoted(t.borderImage),
+                        q(t.borderImage),
                         booleanText(t.borderImgTop),
                         booleanText(t.borderImgBot),
-                        quoted(t.titleImage),
+                        q(t.titleImage),
                         booleanText(t.titleImgLeft),
                         booleanText(t.titleImgRight),
-                        quoted(t.inlineImage),
+                        q(t.inlineImage),
                         booleanText(t.inlineImg)};
     for (const FontGroup& g : t.fonts) {
-        f << quoted(g.face) << QByteArray::number(g.color) << sizeText(g.size)
-          << booleanText(g.bold) << booleanText(g.italic);
+        f << q(g.face) << QByteArray::number(g.color) << sizeText(g.size) << booleanText(g.bold)
+          << booleanText(g.italic);
     }
     return record(f);
 }
@@ -371,7 +405,7 @@ QByteArray copiedRecord(const QList<Field>& fields, const FieldReader& reader, q
         const int base = 15 + g * 5;
         const Field& face = fields.at(base);
         if (face.kind != FieldKind::String)
-            changes.append({&face, quoted(toText(face))});
+            changes.append({&face, quoted(toText(face, reader), reader.encoding())});
         typed(fields.at(base + 1),
               QByteArray::number(toLong(fields.at(base + 1), reader, base + 2)));
         typed(fields.at(base + 2),
@@ -391,25 +425,25 @@ QByteArray copiedRecord(const QList<Field>& fields, const FieldReader& reader, q
 Theme themeFromFields(const QList<Field>& f, const FieldReader& reader)
 {
     Theme t;
-    t.name = toText(f.at(0));
+    t.name = toText(f.at(0), reader);
     t.tableColor = toLong(f.at(1), reader, 2);
-    t.backgroundImage = toText(f.at(2));
-    t.soundFile = toText(f.at(3));
+    t.backgroundImage = toText(f.at(2), reader);
+    t.soundFile = toText(f.at(3), reader);
     t.borderWidth = toLong(f.at(4), reader, 5);
-    t.cellAlign = toText(f.at(5));
+    t.cellAlign = toText(f.at(5), reader);
     t.loop = toBoolean(f.at(6), reader, 7);
-    t.borderImage = toText(f.at(7));
+    t.borderImage = toText(f.at(7), reader);
     t.borderImgTop = toBoolean(f.at(8), reader, 9);
     t.borderImgBot = toBoolean(f.at(9), reader, 10);
-    t.titleImage = toText(f.at(10));
+    t.titleImage = toText(f.at(10), reader);
     t.titleImgLeft = toBoolean(f.at(11), reader, 12);
     t.titleImgRight = toBoolean(f.at(12), reader, 13);
-    t.inlineImage = toText(f.at(13));
+    t.inlineImage = toText(f.at(13), reader);
     t.inlineImg = toBoolean(f.at(14), reader, 15);
     for (int g = 0; g < kFontGroupCount; ++g) {
         const int base = 15 + g * 5;
         FontGroup& font = t.fonts[g];
-        font.face = toText(f.at(base));
+        font.face = toText(f.at(base), reader);
         font.color = toLong(f.at(base + 1), reader, base + 2);
         font.size = double(toInteger(f.at(base + 2), reader, base + 3));
         font.bold = toBoolean(f.at(base + 3), reader, base + 4);
@@ -444,52 +478,20 @@ QByteArray readWholeFile(const QString& path)
 // Writes a whole file so that it is either the old one or the new one.
 void writeWholeFile(const QString& path, const QByteArray& content)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
-        failWriting(path, file.errorString());
-}
-
-void syncDirectory(const QString& folder)
-{
-    const int fd = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
+    if (const AtomicFile::Outcome failure = AtomicFile::write(path, content))
+        failWriting(failure->path, failure->reason);
 }
 
 // The scratch copy goes to disk completely before it replaces the themeset in one rename; a
-// stop at any moment leaves either the old themeset or the new one, never neither.
+// stop at any moment leaves either the old themeset or the new one, never neither. A scratch
+// file left by such a stop is taken over; one that another running copy is writing is waited for.
 void replaceThroughTemp(const QString& themeset, const QString& appPath, const QByteArray& content)
 {
     const QString folder = appPath.isEmpty() ? QFileInfo(themeset).absolutePath() : appPath;
-    const QString temp = folder + u'/' + ThemeSetText::kTempFile;
-    {
-        QFile file(temp);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            failWriting(temp, file.errorString());
-        const bool written =
-            file.write(content) == content.size() && file.flush() && ::fsync(file.handle()) == 0;
-        file.close();
-        if (!written) {
-            QFile::remove(temp);
-            failWriting(temp, file.errorString());
-        }
-    }
-    if (::rename(QFile::encodeName(temp).constData(), QFile::encodeName(themeset).constData()) ==
-        0) {
-        syncDirectory(QFileInfo(themeset).absolutePath());
-        return;
-    }
-    const int renameError = errno;
-    if (renameError != EXDEV) {
-        QFile::remove(temp);
-        failWriting(themeset, QString::fromLocal8Bit(std::strerror(renameError)));
-    }
-    // The themeset lives on another file system than the application folder: a rename cannot
-    // cross over, so the copy is put in place by an atomic save beside the themeset instead.
-    writeWholeFile(themeset, content);
-    QFile::remove(temp);
+    AtomicFile::removeStaleScratchFiles(themeset);
+    if (const AtomicFile::Outcome failure =
+            AtomicFile::writeThrough(folder + u'/' + ThemeSetText::kTempFile, themeset, content))
+        failWriting(failure->path, failure->reason);
 }
 
 MaybeMessage missingThemeset(const QString& path)
@@ -527,12 +529,14 @@ MaybeMessage rewrite(const QString& path, const QString& appPath, Decide decide)
         while (!reader.atEndOfRecords()) {
             const qsizetype from = reader.pos();
             const QList<Field> fields = reader.next(kThemeFieldCount);
-            out += decide(toText(fields.at(0)), fields, reader, from, reader.pos());
+            out += decide(toText(fields.at(0), reader), fields, reader, from, reader.pos());
         }
         out += reader.bytes(reader.pos(), reader.size());
         replaceThroughTemp(path, appPath, out);
     } catch (const ThemeFileError& error) {
         return errorMessage(error);
+    } catch (const ThemeRefusal& refusal) {
+        return refusal.message;
     }
     return {};
 }
@@ -541,24 +545,54 @@ ThemeLoadResult findTheme(FieldReader& reader, const QString& name)
 {
     while (!reader.atEndOfRecords()) {
         const QList<Field> fields = reader.next(kThemeFieldCount);
-        if (toText(fields.at(0)) == name)
+        if (toText(fields.at(0), reader) == name)
             return {themeFromFields(fields, reader), {}};
     }
     return {};
 }
 
-MaybeMessage appendRecord(const QString& path, const QByteArray& line)
+// Where a record added at the end of a readable themeset must start so that the reader takes
+// it whole: straight after the last field, as anything after it (a trailing comma, blank lines)
+// would be read as fields of their own. A last string that was never closed is closed first;
+// its text stays what it read as. Nothing when the file cannot be read to its end.
+struct AppendPoint
+{
+    qsizetype at = 0;
+    bool closeQuote = false;
+};
+
+std::optional<AppendPoint> appendPoint(FieldReader& reader)
+{
+    try {
+        Field last = reader.next(kHeaderFields).last();
+        while (!reader.atEndOfRecords())
+            last = reader.next(kThemeFieldCount).last();
+        return AppendPoint{last.stop, last.unclosed};
+    } catch (const ThemeFileError&) {
+        return std::nullopt;
+    }
+}
+
+MaybeMessage appendRecord(const QString& path, const Theme& theme, bool newRecord)
 {
     if (auto missing = missingThemeset(path))
         return missing;
     try {
-        QByteArray content = readWholeFile(path);
-        // A hand-edited file may lack its last line end; the new record must start a line.
-        if (!content.isEmpty() && !isLineEnd(content.back()))
+        FieldReader reader(readWholeFile(path), path);
+        const QByteArray line = themeRecord(theme, newRecord, reader.encoding());
+        QByteArray content = reader.bytes(0, reader.size());
+        if (const std::optional<AppendPoint> point = appendPoint(reader)) {
+            content.truncate(point->at);
+            content += point->closeQuote ? "\"\r\n" : "\r\n";
+        } else if (!content.isEmpty() && !isLineEnd(content.back())) {
+            // A damaged file is only added to; the new record still starts a line.
             content += "\r\n";
+        }
         writeWholeFile(path, content + line);
     } catch (const ThemeFileError& error) {
         return errorMessage(error);
+    } catch (const ThemeRefusal& refusal) {
+        return refusal.message;
     }
     return {};
 }
@@ -605,7 +639,7 @@ ThemeNamesResult listThemeNames(const QString& path)
         FieldReader reader(readWholeFile(path), path);
         reader.next(kHeaderFields);
         while (!reader.atEndOfRecords())
-            result.names << toText(reader.next(kThemeFieldCount).at(0));
+            result.names << toText(reader.next(kThemeFieldCount).at(0), reader);
     } catch (const ThemeFileError& error) {
         result.names.clear();
         result.message = errorMessage(error);
@@ -672,7 +706,7 @@ MaybeMessage appendTheme(const QString& path, const Theme& theme)
 {
     if (holdsQuote(theme))
         return ThemeSetMessage{kQuoteInTheme, kQuoteInThemeTitle, PromptIcon::Exclamation};
-    return appendRecord(path, themeRecord(theme, false));
+    return appendRecord(path, theme, false);
 }
 
 MaybeMessage appendNewTheme(const QString& path, const QString& name, qint64 tableColor)
@@ -680,18 +714,18 @@ MaybeMessage appendNewTheme(const QString& path, const QString& name, qint64 tab
     const Theme theme = Theme::newTheme(name, tableColor);
     if (holdsQuote(theme))
         return ThemeSetMessage{kQuoteInTheme, kQuoteInThemeTitle, PromptIcon::Exclamation};
-    return appendRecord(path, themeRecord(theme, true));
+    return appendRecord(path, theme, true);
 }
 
 MaybeMessage replaceTheme(const QString& path, const Theme& theme, const QString& appPath)
 {
     if (holdsQuote(theme))
         return ThemeSetMessage{kQuoteInTheme, kQuoteInThemeTitle, PromptIcon::Exclamation};
-    const QByteArray current = themeRecord(theme, false);
     return rewrite(path, appPath,
                    [&](const QString& name, const QList<Field>& fields, const FieldReader& reader,
                        qsizetype from, qsizetype to) {
-                       return name == theme.name ? current : copiedRecord(fields, reader, from, to);
+                       return name == theme.name ? themeRecord(theme, false, reader.encoding())
+                                                 : copiedRecord(fields, reader, from, to);
                    });
 }
 

@@ -16,7 +16,8 @@ class SettingsStore;
 // header records of two fields, then one record of 50 fields per theme. Strings are quoted
 // (with no escaping, so they cannot hold a double quote), numbers are bare digits, Booleans
 // are #TRUE#/#FALSE# and dates #yyyy-mm-dd#. Files are read field by field; line ends are
-// separators like commas, so a record is simply the next 50 fields.
+// separators like commas, so a record is simply the next 50 fields. New files are UTF-8; a file
+// that is not valid UTF-8 is Windows-1252 text and is written back in that code page.
 
 inline constexpr int kFontGroupCount = 7;
 inline constexpr int kThemeFieldCount = 50;
@@ -114,7 +115,8 @@ ThemeLoadResult loadTheme(const QString& path, const QString& name, const QStrin
 // first header record, is reported as "Invalid Themeset File". Paths are left unexpanded.
 ThemeLoadResult readThemeForListing(const QString& path, const QString& name);
 
-// Adds a record at the end of the file as the editor holds it (no duplicate check).
+// Adds a record at the end of the file as the editor holds it (no duplicate check). It starts
+// right after the last field, so a file that read before reads with the new theme after it.
 MaybeMessage appendTheme(const QString& path, const Theme& theme);
 // Adds a record with the values of a new theme, in the form a new themeset's "Default" has.
 MaybeMessage appendNewTheme(const QString& path, const QString& name,

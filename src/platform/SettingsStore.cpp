@@ -1,8 +1,11 @@
 #include "platform/SettingsStore.h"
 
+#include "platform/AtomicFile.h"
+#include "platform/TextCodec.h"
+
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 namespace {
@@ -57,12 +60,49 @@ QString written(const QString& value)
     return text;
 }
 
+// The field as the file holds it, blanks around it already cut off.
 QString read(const QString& field)
 {
-    QString text = field.trimmed();
+    QString text = field;
     if (text.size() >= 2 && text.front() == u'"' && text.back() == u'"')
         text = text.mid(1, text.size() - 2);
     return unescaped(text);
+}
+
+// Lines end in LF, CR LF or a lone CR alike, so a section or key name never holds a line end
+// that another reader of the file would break the line at.
+QList<QByteArray> lines(const QByteArray& data)
+{
+    QList<QByteArray> out;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < data.size(); ++i) {
+        const char c = data.at(i);
+        if (c != '\r' && c != '\n')
+            continue;
+        out.append(data.mid(start, i - start));
+        if (c == '\r' && i + 1 < data.size() && data.at(i + 1) == '\n')
+            ++i;
+        start = i + 1;
+    }
+    if (start < data.size())
+        out.append(data.mid(start));
+    return out;
+}
+
+// Names and values are cut out of the line's bytes (the marks [ ] = are ASCII in both
+// encodings) and then decoded the way the whole line reads: UTF-8, or else Windows-1252.
+QString decoded(const QByteArray& bytes, bool eightBit)
+{
+    return eightBit ? TextCodec::fromWindows1252(bytes) : QString::fromUtf8(bytes);
+}
+
+// A line read as 8-bit text goes back as 8-bit text, unless the code page cannot hold its
+// text or the bytes would read as UTF-8 next time; then the line is written as UTF-8.
+QByteArray encodedLine(const QString& text, const std::optional<QByteArray>& eightBitBytes)
+{
+    if (eightBitBytes && !TextCodec::isUtf8(*eightBitBytes))
+        return *eightBitBytes;
+    return text.toUtf8();
 }
 
 } // namespace
@@ -88,37 +128,43 @@ SettingsStore::File& SettingsStore::load(const QString& application) const
         return *it;
     File file;
     QFile in(filePath(application));
-    if (in.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (in.open(QIODevice::ReadOnly)) {
         Section* current = nullptr;
-        while (!in.atEnd()) {
-            const QString line = QString::fromUtf8(in.readLine()).trimmed();
-            if (line.isEmpty() || line.startsWith(u';') || line.startsWith(u'#'))
+        for (const QByteArray& bytes : lines(in.readAll())) {
+            const QByteArray line = bytes.trimmed();
+            const bool eightBit = !TextCodec::isUtf8(line);
+            if (line.isEmpty() || line.startsWith(';') || line.startsWith('#'))
                 continue;
-            if (line.startsWith(u'[') && line.endsWith(u']')) {
-                const QString name = line.mid(1, line.size() - 2);
+            if (line.startsWith('[') && line.endsWith(']') && line.size() >= 2) {
+                const QString name = decoded(line.mid(1, line.size() - 2), eightBit);
                 current = nullptr;
                 for (Section& s : file.sections)
                     if (sameName(s.name, name))
                         current = &s;
                 if (!current) {
-                    file.sections.append({name, {}});
+                    file.sections.append({name, {}, eightBit});
                     current = &file.sections.last();
                 }
                 continue;
             }
-            const qsizetype eq = line.indexOf(u'=');
+            const qsizetype eq = line.indexOf('=');
             if (eq <= 0 || !current)
                 continue; // a damaged line is skipped, the rest of the file still counts
-            const QString key = line.left(eq).trimmed();
-            const QString value = read(line.mid(eq + 1));
+            const QString key = decoded(line.left(eq).trimmed(), eightBit);
+            const QByteArray valueBytes = line.mid(eq + 1).trimmed();
+            const QString value = read(decoded(valueBytes, eightBit));
+            const std::optional<QByteArray> raw =
+                eightBit ? std::optional<QByteArray>(valueBytes) : std::nullopt;
             bool found = false;
             for (Entry& e : current->entries)
                 if (sameName(e.key, key)) {
                     e.value = value;
+                    e.eightBit = eightBit;
+                    e.rawValue = raw;
                     found = true;
                 }
             if (!found)
-                current->entries.append({key, value});
+                current->entries.append({key, value, eightBit, raw});
         }
     }
     return *m_files.insert(id, file);
@@ -126,19 +172,31 @@ SettingsStore::File& SettingsStore::load(const QString& application) const
 
 bool SettingsStore::write(const QString& application, const File& file) const
 {
-    QDir().mkpath(m_folder);
-    QSaveFile out(filePath(application));
-    if (!out.open(QIODevice::WriteOnly | QIODevice::Text))
-        return false;
+    const QString folder = QDir::cleanPath(m_folder);
+    if (!QFileInfo::exists(folder)) {
+        QDir().mkpath(QFileInfo(folder).absolutePath());
+        QDir().mkdir(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
     QByteArray data;
     for (const Section& s : file.sections) {
-        data += '[' + s.name.toUtf8() + "]\n";
-        for (const Entry& e : s.entries)
-            data += e.key.toUtf8() + '=' + written(e.value).toUtf8() + '\n';
+        const QString header = u'[' + s.name + u']';
+        data += encodedLine(header, s.eightBit ? TextCodec::toWindows1252(header) : std::nullopt);
+        data += '\n';
+        for (const Entry& e : s.entries) {
+            const QString text = e.key + u'=' + written(e.value);
+            std::optional<QByteArray> eightBit;
+            if (e.eightBit && e.rawValue) {
+                if (const auto key = TextCodec::toWindows1252(e.key))
+                    eightBit = *key + '=' + *e.rawValue;
+            } else if (e.eightBit) {
+                eightBit = TextCodec::toWindows1252(text);
+            }
+            data += encodedLine(text, eightBit) + '\n';
+        }
         data += '\n';
     }
-    out.write(data);
-    return out.commit();
+    // Owner only, also when the file was made with wider permissions before.
+    return !AtomicFile::write(filePath(application), data, 0600);
 }
 
 QString SettingsStore::get(const QString& application, const QString& section, const QString& key,
@@ -171,17 +229,21 @@ void SettingsStore::setInMemory(File& file, const QString& section, const QStrin
         if (sameName(s.name, section))
             target = &s;
     if (!target) {
-        file.sections.append({section, {}});
+        file.sections.append({section, {}, false});
         target = &file.sections.last();
     }
     bool found = false;
     for (Entry& e : target->entries)
         if (sameName(e.key, key)) {
-            e.value = value;
+            // The same value again keeps the bytes it was read from.
+            if (e.value != value) {
+                e.value = value;
+                e.rawValue.reset();
+            }
             found = true;
         }
     if (!found)
-        target->entries.append({key, value});
+        target->entries.append({key, value, false, std::nullopt});
 }
 
 bool SettingsStore::save(const QString& application, const QString& section, const QString& key,

@@ -1,14 +1,17 @@
 #pragma once
 
+#include <QByteArray>
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <optional>
 #include <utility>
 
 // Text values kept by application, section and key: one INI file per application in a
 // configuration folder. Section and key names are compared without letter case ("ToolBar" and
 // "Toolbar" are one value); the spelling first written is the one kept in the file.
-// Every save rewrites the file atomically, so a crash never leaves half a file behind.
+// Every save rewrites the file atomically, so a crash never leaves half a file behind. The files
+// hold passwords: they and the folder made for them are readable by the user alone.
 class SettingsStore
 {
 public:
@@ -39,15 +42,21 @@ public:
     static bool toBool(const QString& text, bool defaultValue);
 
 private:
+    // A line that is not UTF-8 was written elsewhere in the Windows-1252 code page. It is
+    // written back in that code page while it can hold the line's text, and a value the
+    // program has not changed keeps the very bytes it was read from.
     struct Entry
     {
         QString key;
         QString value;
+        bool eightBit = false;
+        std::optional<QByteArray> rawValue;
     };
     struct Section
     {
         QString name;
         QList<Entry> entries;
+        bool eightBit = false;
     };
     struct File
     {

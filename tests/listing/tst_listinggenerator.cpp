@@ -4,6 +4,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/file.h>
+
 using namespace Qt::StringLiterals;
 
 // Listings are compared with the expected files under tests/data/listing character for
@@ -164,6 +166,36 @@ private slots:
         QCOMPARE(result.focus, field == "short"         ? ListingFocus::ShortDescription
                                : field == "description" ? ListingFocus::Description
                                                         : ListingFocus::None);
+    }
+
+    // A listing write that was stopped leaves its scratch copy; the next write removes it, but not
+    // one another running copy is still writing, nor a file that only looks alike.
+    void staleScratchFiles_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("held"); // locked by a writer that is still running
+        QTest::addColumn<bool>("removed");
+        QTest::newRow("left by a stopped run") << "listing.htm.Xy3abc" << false << true;
+        QTest::newRow("being written by another copy") << "listing.htm.Qw7Ert" << true << false;
+        QTest::newRow("the user's backup") << "listing.htm.backup" << false << false;
+        QTest::newRow("another file's scratch copy") << "temp.htm.Xy3abc" << false << false;
+    }
+    void staleScratchFiles()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, held);
+        QFETCH(bool, removed);
+        QVERIFY(writeAll(app(name), QByteArray(4096, 'x')));
+        QFile other(app(name));
+        QVERIFY(other.open(QIODevice::ReadWrite));
+        QVERIFY(!held || ::flock(other.handle(), LOCK_EX | LOCK_NB) == 0);
+
+        const ListingResult result = generateListing(m_base);
+        QVERIFY(result.ok());
+        QCOMPARE(readAll(listingFilePath(m_dir.path())), (result.html + "\r\n").toUtf8());
+        QCOMPARE(QFile::exists(app(name)), !removed);
+        other.close();
+        QFile::remove(app(name));
     }
 
 private:

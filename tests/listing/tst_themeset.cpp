@@ -4,6 +4,10 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <atomic>
+#include <sys/file.h>
+#include <thread>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -182,6 +186,119 @@ private slots:
         QCOMPARE(bool(replace(editedTheme(u"Other"_s))), copyFails);
         QCOMPARE(bool(deleteTheme(file(), u"Other"_s, m_dir.path())), copyFails);
         QCOMPARE(readAll(file()), content);
+    }
+
+    // A themeset made on an older system is Windows-1252 text; one made here is UTF-8. Either way
+    // names, font faces and paths with accents are found, loaded and written in the file's own
+    // encoding, while the other records keep every byte.
+    void encodings_data()
+    {
+        // The bytes of "Café", "Crème “Sans”", "€uro" and "Noël" in the file's encoding.
+        QTest::addColumn<QByteArrayList>("texts");
+        QTest::addColumn<bool>("eightBit");
+        QTest::newRow("UTF-8") << QByteArrayList{"Caf\xc3\xa9",
+                                                 "Cr\xc3\xa8me \xe2\x80\x9cSans\xe2\x80\x9d",
+                                                 "\xe2\x82\xac"
+                                                 "uro",
+                                                 "No\xc3\xabl"}
+                               << false;
+        QTest::newRow("Windows-1252")
+            << QByteArrayList{"Caf\xe9", "Cr\xe8me \x93Sans\x94", "\x80uro", "No\xebl"} << true;
+    }
+    void encodings()
+    {
+        QFETCH(QByteArrayList, texts);
+        QFETCH(bool, eightBit);
+        const QByteArray cafe = renamed(kEdited, u"Edited"_s)
+                                    .replace("Edited", texts[0])
+                                    .replace("Times New Roman", texts[1])
+                                    .replace("back ground", texts[2]);
+        const QByteArray plain = renamed(kNewDefault, u"Plain"_s);
+        QVERIFY(writeAll(file(), kHeader + kNewDefault + cafe + plain));
+
+        Theme theme = editedTheme(u"Café"_s);
+        theme.fonts[0].face = u"Crème “Sans”"_s;
+        theme.backgroundImage = u"/srv/media/€uro.jpg"_s;
+        QCOMPARE(listThemeNames(file()).names, QStringList({u"Default"_s, u"Café"_s, u"Plain"_s}));
+        QCOMPARE(*load(u"Café"_s).theme, theme);
+        QCOMPARE(readThemeForListing(file(), u"Café"_s).theme->fonts[0].face, theme.fonts[0].face);
+
+        // Saved and added in the file's encoding, deleted by its name.
+        theme.fonts[6].face = u"Noël"_s;
+        const QByteArray saved = QByteArray(cafe).replace("Verdana", texts[3]);
+        QVERIFY(!replace(theme));
+        QCOMPARE(readAll(file()), kHeader + kNewDefault + saved + plain);
+        theme.name = u"Noël"_s;
+        QVERIFY(!appendTheme(file(), theme));
+        const QByteArray added = QByteArray(saved).replace(1, texts[0].size(), texts[3]);
+        QCOMPARE(readAll(file()), kHeader + kNewDefault + saved + plain + added);
+        QVERIFY(!deleteTheme(file(), u"Café"_s, m_dir.path()));
+        QCOMPARE(readAll(file()), kHeader + kNewDefault + plain + added);
+
+        // A character the code page lacks cannot go into an 8-bit file; nothing is written.
+        const MaybeMessage star = appendNewTheme(file(), u"Star ★"_s);
+        QCOMPARE(bool(star), eightBit);
+        if (eightBit) {
+            QCOMPARE(star->title, u"Theme Not Saved"_s);
+            QCOMPARE(readAll(file()), kHeader + kNewDefault + plain + added);
+        }
+    }
+
+    // An added theme must read back whole whatever the file ends in, as long as the file read
+    // before: the reproduction is a last record ending in "#TRUE#," instead of a line end.
+    void appendKeepsFileReadable_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        const QByteArray two = kHeader + kNewDefault + kEdited;
+        const QByteArray body = two.chopped(2); // ends in #TRUE#
+        QTest::newRow("trailing comma") << body + ',';
+        QTest::newRow("trailing comma and line end") << body + ",\r\n";
+        QTest::newRow("blank lines at the end") << two + "\r\n \r\n";
+        QTest::newRow("last string never closed") << body.chopped(6) + "\"True\r\n";
+        QTest::newRow("no line end at the end") << body;
+        QTest::newRow("header only, trailing comma") << kHeader.chopped(2) + ',';
+    }
+    void appendKeepsFileReadable()
+    {
+        QFETCH(QByteArray, content);
+        QVERIFY(writeAll(file(), content));
+        const ThemeNamesResult before = listThemeNames(file());
+        QVERIFY(!before.message);
+        const std::optional<Theme> last =
+            before.names.isEmpty() ? std::nullopt : load(before.names.last()).theme;
+
+        QVERIFY(!appendNewTheme(file(), u"Added"_s));
+        const ThemeNamesResult after = listThemeNames(file());
+        QCOMPARE(after.message, MaybeMessage());
+        QCOMPARE(after.names, before.names + QStringList{u"Added"_s});
+        QCOMPARE(*load(u"Added"_s).theme, Theme::newTheme(u"Added"_s));
+        if (last)
+            QCOMPARE(*load(last->name).theme, *last);
+    }
+
+    // Another running copy that is writing the scratch file is waited for, not overwritten; a
+    // scratch copy of an add that was stopped goes with the next write.
+    void scratchFileOfAnotherCopy()
+    {
+        QVERIFY(writeAll(file(), kHeader + kNewDefault));
+        QVERIFY(writeAll(file() + u".Ab3def"_s, kHeader));
+        const QByteArray theirs = kHeader + kHandMade;
+        QFile temp(m_dir.filePath(u"Temp.tbt"_s));
+        QVERIFY(temp.open(QIODevice::ReadWrite | QIODevice::Truncate) &&
+                temp.write(theirs) == theirs.size() && temp.flush());
+        QVERIFY(::flock(temp.handle(), LOCK_EX | LOCK_NB) == 0);
+        std::atomic<bool> intact = false;
+        std::thread holder([&] {
+            QThread::msleep(300);
+            intact = readAll(temp.fileName()) == theirs;
+            temp.close();
+        });
+        const MaybeMessage message = replace(editedTheme(u"Default"_s));
+        holder.join();
+        QVERIFY(intact);
+        QCOMPARE(message, MaybeMessage());
+        QCOMPARE(readAll(file()), kHeader + renamed(kEdited, u"Default"_s));
+        QVERIFY(!QFile::exists(temp.fileName()) && !QFile::exists(file() + u".Ab3def"_s));
     }
 
 private:

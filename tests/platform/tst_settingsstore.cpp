@@ -4,6 +4,10 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
 static const QString kApp = QStringLiteral("Tallybid");
 static const QString kOptions = QStringLiteral("Options");
 
@@ -83,6 +87,87 @@ private slots:
             QCOMPARE(s.get(kApp, kOptions, "Orphan", "d"), "d");
             QVERIFY(s.save(kApp, kOptions, "New", "1"));
         }
+    }
+
+    // Files written elsewhere: 8-bit text from another system and lines ended by CR, LF or
+    // CR LF. What is read stays where it was read, byte for byte, through an unrelated save.
+    void foreignFilesRoundTrip_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QByteArray>("saved"); // after "Other" is saved under "Options"
+        // clang-format off
+        QTest::newRow("Latin-1 password") << QByteArray("[Options]\r\nFTPPassword=p\xe4ss\r\n")
+            << "Options" << "FTPPassword" << u"p\u00e4ss"_s << QByteArray("[Options]\nFTPPassword=p\xe4ss\nOther=1\n\n");
+        QTest::newRow("Windows-1252 only") << QByteArray("[Options]\nPayMsg=\x80 5, \x93quoted\x94 \x81\x9d\\n\n")
+            << "Options" << "PayMsg" << u"\u20ac 5, \u201cquoted\u201d \u0081\u009d\n"_s
+            << QByteArray("[Options]\nPayMsg=\x80 5, \x93quoted\x94 \x81\x9d\\n\nOther=1\n\n");
+        QTest::newRow("8-bit names") << QByteArray("[Opci\xf3n]\nCl\xe1ve = \" v \"\n")
+            << u"Opci\u00f3n"_s << u"Cl\u00e1ve"_s << " v "
+            << QByteArray("[Opci\xf3n]\nCl\xe1ve=\" v \"\n\n[Options]\nOther=1\n\n");
+        QTest::newRow("lone CR in a section name") << QByteArray("[System]\nItemsViewed=Open\n[Optio\rns]\nImageLoc=shop/\n")
+            << "System" << "ImageLoc" << "shop/" << QByteArray("[System]\nItemsViewed=Open\nImageLoc=shop/\n\n[Options]\nOther=1\n\n");
+        QTest::newRow("CR line ends") << QByteArray("[Options]\rNote=a\\rb\rOther=0\r")
+            << "Options" << "Note" << "a\rb" << QByteArray("[Options]\nNote=a\\rb\nOther=1\n\n");
+        QTest::newRow("mixed line ends") << QByteArray("[System]\r\n\rItemsViewed=Closed\n\r\n[Options]\rA=1")
+            << "System" << "ItemsViewed" << "Closed" << QByteArray("[System]\nItemsViewed=Closed\n\n[Options]\nA=1\nOther=1\n\n");
+        // clang-format on
+    }
+    void foreignFilesRoundTrip()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, section);
+        QFETCH(QString, key);
+        QFETCH(QString, value);
+        QFETCH(QByteArray, saved);
+        QTemporaryDir dir;
+        const QString path = SettingsStore(dir.path()).filePath(kApp);
+        if (QFile out(path); out.open(QIODevice::WriteOnly))
+            out.write(file);
+
+        SettingsStore store(dir.path());
+        QCOMPARE(store.get(kApp, section, key, "absent"), value);
+        QVERIFY(store.save(kApp, kOptions, "Other", "1"));
+        QCOMPARE(readAll(path), saved);
+        QCOMPARE(SettingsStore(dir.path()).get(kApp, section, key, "absent"), value);
+        // Saving the same value again keeps its bytes; a changed one reads back as it was saved.
+        QVERIFY(store.save(kApp, section, key, value));
+        QCOMPARE(readAll(path), saved);
+        for (const QString& changed : QStringList{value + u"\u00e9"_s, value + u"\u2605"_s}) {
+            QVERIFY(store.save(kApp, section, key, changed));
+            QCOMPARE(SettingsStore(dir.path()).get(kApp, section, key), changed);
+        }
+    }
+
+    // The file holds passwords: it and the folder made for it are for the user alone, and a
+    // file made readable by others before is tightened by the next save.
+    void ownerOnly()
+    {
+        QTemporaryDir dir;
+        SettingsStore store(dir.filePath("config/tallybid"));
+        QVERIFY(store.save(kApp, kOptions, "FTPPassword", "secret"));
+        QCOMPARE(modeOf(store.folder()), 0700);
+        QCOMPARE(modeOf(store.filePath(kApp)), 0600);
+        QVERIFY(::chmod(QFile::encodeName(store.filePath(kApp)).constData(), 0644) == 0);
+        QVERIFY(SettingsStore(store.folder()).save(kApp, kOptions, "RemoteHost", "ftp.example"));
+        QCOMPARE(modeOf(store.filePath(kApp)), 0600);
+    }
+
+private:
+    static QByteArray readAll(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    static int modeOf(const QString& path)
+    {
+        struct stat info
+        {
+        };
+        return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? int(info.st_mode & 0777)
+                                                                       : -1;
     }
 };
 
