@@ -14,6 +14,7 @@
 #include "listing/frmAdStudio.h"
 #include "platform/DateText.h"
 #include "platform/KeyFilter.h"
+#include "platform/PictureTools.h"
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
@@ -25,7 +26,6 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QStatusBar>
@@ -251,8 +251,13 @@ void frmItems::bindFields()
     ui->Picture2->move(0, 0);
     connect(ui->HScroll1, &QScrollBar::valueChanged, this, &frmItems::scrollPicture);
     connect(ui->VScroll1, &QScrollBar::valueChanged, this, &frmItems::scrollPicture);
-    ui->HScroll1->hide();
-    ui->VScroll1->hide();
+    // The bars keep their room while hidden, so showing them never moves the controls below.
+    for (QScrollBar* bar : {ui->HScroll1, ui->VScroll1}) {
+        QSizePolicy policy = bar->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        bar->setSizePolicy(policy);
+        bar->hide();
+    }
 }
 
 void frmItems::connectCommands()
@@ -523,9 +528,9 @@ void frmItems::showLogo()
     QPixmap logo(m_ctx.appFile(QStringLiteral("logovksm.gif")));
     ui->Picture2->setPixmap(logo);
     ui->Picture2->resize(logo.isNull() ? QSize(0, 0) : logo.size());
-    ui->Picture2->move(0, 0);
     ui->HScroll1->hide();
     ui->VScroll1->hide();
+    scrollPicture(); // centred
 }
 
 bool frmItems::previewPicture(int fieldIndex)
@@ -545,20 +550,18 @@ bool frmItems::previewPicture(int fieldIndex)
         showLogo(); // a path still being typed, or one checked when the box is left
         return false;
     }
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    const QImage image = reader.read();
-    if (image.isNull()) {
-        m_ctx.prompts.message(path + QLatin1String("\n\n") + reader.errorString(),
-                              Texts::kInvalidPictureTitle, PromptIcon::Critical);
+    const auto unreadable = [&](const QString& error) {
+        m_ctx.prompts.message(path + QLatin1String("\n\n") + error, Texts::kInvalidPictureTitle,
+                              PromptIcon::Critical);
         showLogo();
         return false;
-    }
-    ui->Picture2->setPixmap(QPixmap::fromImage(image));
-    ui->Picture2->resize(image.size());
-    ui->Picture2->move(0, 0);
+    };
+    const PictureTools::PictureInfo info = PictureTools::inspect(path);
+    if (!info.ok())
+        return unreadable(info.error);
 
-    // Overhang of the picture over the frame, in twips, becomes the scroll range.
+    // Overhang of the picture (upright, as the camera meant it) over the frame, in twips,
+    // becomes the scroll range.
     bool tooLarge = false;
     const auto setUp = [&](QScrollBar* bar, int overhangPixels) {
         int range = overhangPixels * Startup::kTwipsPerPixel;
@@ -574,15 +577,35 @@ bool frmItems::previewPicture(int fieldIndex)
         bar->blockSignals(false);
         bar->setVisible(range > 0);
     };
-    setUp(ui->HScroll1, image.width() - ui->Picture1->width());
-    setUp(ui->VScroll1, image.height() - ui->Picture1->height());
+    setUp(ui->HScroll1, info.size.width() - ui->Picture1->width());
+    setUp(ui->VScroll1, info.size.height() - ui->Picture1->height());
+
+    // Panning could only ever reach a corner of a picture this large: it is shown whole,
+    // scaled to fit, with nothing to scroll. Decoding at the reduced size keeps a camera's
+    // 12-megapixel photograph quick to show on every move to its item.
+    QString error;
+    const QImage image = PictureTools::readUpright(
+        path, tooLarge ? ui->Picture1->contentsRect().size() : QSize(), &error);
+    if (image.isNull())
+        return unreadable(error);
+    if (tooLarge) {
+        ui->HScroll1->hide();
+        ui->VScroll1->hide();
+    }
+    ui->Picture2->setPixmap(QPixmap::fromImage(image));
+    ui->Picture2->resize(image.size());
+    scrollPicture();
     return tooLarge;
 }
 
 void frmItems::scrollPicture()
 {
-    ui->Picture2->move(-ui->HScroll1->value() / Startup::kTwipsPerPixel,
-                       -ui->VScroll1->value() / Startup::kTwipsPerPixel);
+    // Panned by a scroll bar that is shown; centred along a side with nothing to pan.
+    const auto offset = [](int frame, int picture, const QScrollBar* bar) {
+        return bar->isHidden() ? (frame - picture) / 2 : -bar->value() / Startup::kTwipsPerPixel;
+    };
+    ui->Picture2->move(offset(ui->Picture1->width(), ui->Picture2->width(), ui->HScroll1),
+                       offset(ui->Picture1->height(), ui->Picture2->height(), ui->VScroll1));
 }
 
 void frmItems::cmdFind_Click(int index)

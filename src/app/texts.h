@@ -41,8 +41,10 @@ inline QString cantFindPicture(const QString& path)
                          "the hard drive in this box.  Please re-enter a valid path to an image on "
                          "your hard drive.");
 }
+// The pictures a phone or a web page gives (PNG, WebP) are one choice away from the first list.
 inline const QString kPictureFilter = QStringLiteral(
-    "Internet Image Files (*.gif; *.jpg; *.jpeg)|*.gif; *.jpg; *.jpeg;|All Files (*.*)|*.*");
+    "Internet Image Files (*.gif; *.jpg; *.jpeg)|*.gif; *.jpg; *.jpeg;|All Pictures (*.gif; "
+    "*.jpg; *.jpeg; *.png; *.webp)|*.gif; *.jpg; *.jpeg; *.png; *.webp;|All Files (*.*)|*.*");
 inline const QString kInvalidPictureTitle = QStringLiteral("Invalid picture");
 inline const QString kInvalidDateTitle = QStringLiteral("Invalid Date");
 

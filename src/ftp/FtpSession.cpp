@@ -63,6 +63,13 @@ FtpPlan planFtpSession(const FtpSessionInput& in)
     return plan;
 }
 
+QString fileToSend(const QString& localPath, const QString& copyPath,
+                   const PictureTools::WebCopyOptions& options)
+{
+    const PictureTools::WebCopy copy = PictureTools::makeWebCopy(localPath, copyPath, options);
+    return copy.outcome == PictureTools::WebCopy::Outcome::Written ? copyPath : localPath;
+}
+
 bool FtpErrorState::report(int code)
 {
     if (uploadMode == FtpTexts::kUploadDummy || code == FtpError::kIgnored)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/PictureTools.h"
+
 #include <QList>
 #include <QString>
 
@@ -50,6 +52,13 @@ QString ftpTransferringLine(const QString& localPath, const QString& host, const
 // Upload and remove runs get a directory change and one step per filled slot; any other action
 // gets neither.
 FtpPlan planFtpSession(const FtpSessionInput& input);
+
+// The file a put sends. A picture larger than the options allow, or stored on its side, goes as
+// an upright, smaller copy written to copyPath; anything that needs no copy or cannot be copied
+// (not a picture, a type that cannot be written, a full disk) goes as it is. The seller's file
+// is only read.
+QString fileToSend(const QString& localPath, const QString& copyPath,
+                   const PictureTools::WebCopyOptions& options);
 
 // The session's memory of failures (FtpErrorCode) and the switch that silences them
 // (FtpUploadMode).

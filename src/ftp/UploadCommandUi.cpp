@@ -5,10 +5,13 @@
 #include "platform/Prompts.h"
 #include "settings/AppContext.h"
 
-frmFTP* showFtpWindow(AppContext& ctx, QWidget* parent)
+frmFTP* showFtpWindow(AppContext& ctx, QWidget* parent,
+                      const std::optional<PictureTools::WebCopyOptions>& webCopies)
 {
     auto* window = new frmFTP(ctx, parent);
     window->setAttribute(Qt::WA_DeleteOnClose);
+    if (webCopies)
+        window->sendWebCopies(*webCopies);
     window->show();
     return window;
 }
@@ -26,5 +29,11 @@ frmFTP* runUploadCommand(AppContext& ctx, UploadSource source, const QStringList
         return nullptr;
     }
     ctx.state.ftpAction = FtpTexts::kUploadImages;
-    return showFtpWindow(ctx, parent);
+    // Theme media (backgrounds, borders, sounds) are artwork and go as they are.
+    const OptionsRecord& options = ctx.state.options;
+    std::optional<PictureTools::WebCopyOptions> webCopies;
+    if (source == UploadSource::ItemPictures && options.resizeForWeb)
+        webCopies =
+            PictureTools::WebCopyOptions{options.resizeLongestSide, options.resizeJpegQuality};
+    return showFtpWindow(ctx, parent, webCopies);
 }

@@ -8,7 +8,28 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
+#include <QEventLoop>
+#include <QTemporaryDir>
+#include <QThread>
 #include <QTimer>
+
+namespace {
+
+// Runs work on a thread of its own and waits for it with the window live.
+template <class Work> auto runAside(Work work)
+{
+    decltype(work()) result{};
+    QEventLoop loop;
+    const std::unique_ptr<QThread> thread(QThread::create([&] { result = work(); }));
+    QObject::connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
+    thread->start();
+    loop.exec();
+    thread->wait();
+    return result;
+}
+
+} // namespace
 
 frmFTP::frmFTP(AppContext& ctx, QWidget* parent)
     : QDialog(parent), m_ctx(ctx), ui(std::make_unique<Ui::frmFTP>())
@@ -88,6 +109,10 @@ void frmFTP::start()
     input.auctionDir = options.auctionDir;
     input.uploadRelative = options.uploadRelative;
     const FtpPlan plan = planFtpSession(input);
+    // The copies live as long as the session; the seller's own files are never written.
+    std::optional<QTemporaryDir> copies;
+    if (m_webCopies && input.action == FtpTexts::kUploadImages)
+        copies.emplace(QDir::temp().filePath(QStringLiteral("tallybid-upload-XXXXXX")));
 
     addLine(ftpConnectingLine(options.remoteHost));
     const FtpClient::Result connected =
@@ -101,6 +126,7 @@ void frmFTP::start()
         // Where the directory cannot be entered the files go to the login directory.
         if (!plan.directory.isEmpty())
             m_client->changeDirectory(plan.directory);
+        int copyNumber = 0;
         for (const FtpStep& step : plan.steps) {
             addLine(step.statusLine);
             FtpClient::Result r;
@@ -110,7 +136,14 @@ void frmFTP::start()
                 setBusyPointer(false);
             } else {
                 // The "Overwrite" choice is kept for the user, but a put always replaces.
-                r = m_client->putFile(step.localPath, step.remoteName);
+                QString sent = step.localPath;
+                if (copies && copies->isValid()) {
+                    const QString copyPath =
+                        copies->filePath(QString::number(++copyNumber) + u'-' + step.remoteName);
+                    sent = runAside(
+                        [&] { return fileToSend(step.localPath, copyPath, *m_webCopies); });
+                }
+                r = m_client->putFile(sent, step.remoteName);
             }
             if (!r.ok())
                 onError(r.code);

@@ -5,6 +5,7 @@
 #include <QDialog>
 
 #include <memory>
+#include <optional>
 
 struct AppContext;
 class FtpClient;
@@ -25,6 +26,10 @@ class frmFTP : public QDialog
 public:
     explicit frmFTP(AppContext& ctx, QWidget* parent = nullptr);
     ~frmFTP() override;
+
+    // Item pictures go as upright copies no larger than the options allow, made in a
+    // temporary folder for the session. Call before the window is shown.
+    void sendWebCopies(const PictureTools::WebCopyOptions& options) { m_webCopies = options; }
 
     // Runs the session; returns when it has logged off (windows stay live meanwhile). Called
     // by the first showing; calling it again does nothing.
@@ -56,6 +61,7 @@ private:
     std::unique_ptr<Ui::frmFTP> ui;
     FtpClient* m_client = nullptr; // child
     FtpErrorState m_errors;
+    std::optional<PictureTools::WebCopyOptions> m_webCopies;
     bool m_started = false;
     bool m_running = false;
     bool m_busyPointer = false;

@@ -27,6 +27,16 @@ OptionsRecord OptionsRecord::load(const SettingsStore& store)
     r.auctionDir = text("AuctionDir");
     r.uploadRelative = flag("UploadRelative");
     r.overwrite = flag("Overwrite");
+    // A size or quality that is no number, or out of reach, falls back to its default.
+    const auto within = [&](const QString& key, int low, int high, int fallback) {
+        bool ok = false;
+        const int value = readSetting(store, Settings::kOptions, key).trimmed().toInt(&ok);
+        return ok && value >= low && value <= high ? value : fallback;
+    };
+    r.resizeForWeb = readResizeForWeb(store);
+    r.resizeLongestSide = within(QStringLiteral("ResizeLongestSide"), kMinLongestSide,
+                                 kMaxLongestSide, kDefaultLongestSide);
+    r.resizeJpegQuality = within(QStringLiteral("ResizeJpegQuality"), 1, 100, kDefaultJpegQuality);
     r.remoteSmtpHost = text("RemoteSMTPHost");
     r.remoteSmtpPort = text("RemoteSMTPPort");
     r.smtpSecurity = text("SMTPSecurity");

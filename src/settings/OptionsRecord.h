@@ -13,6 +13,12 @@ struct OptionsRecord
     QString ftpUserid, ftpPassword, remoteHost, remotePort, imageLoc, auctionDir;
     bool uploadRelative = true;
     bool overwrite = false;
+    // pictures sent smaller and upright (item pictures only)
+    static constexpr int kDefaultLongestSide = 1600, kMinLongestSide = 100, kMaxLongestSide = 20000;
+    static constexpr int kDefaultJpegQuality = 85;
+    bool resizeForWeb = true;
+    int resizeLongestSide = kDefaultLongestSide; // pixels
+    int resizeJpegQuality = kDefaultJpegQuality; // 1..100
     QString remoteSmtpHost, remoteSmtpPort;
     QString smtpSecurity, smtpUser, smtpPassword; // empty: plain SMTP, no signing in
     // identity and automatic entry

@@ -22,6 +22,10 @@ QList<SettingDef> buildCatalogue()
         {o, QStringLiteral("UploadRelative"), T::Boolean, QStringLiteral("True")},
         {o, QStringLiteral("UploadAbsolute"), T::Boolean, QStringLiteral("False")},
         {o, QStringLiteral("Overwrite"), T::Boolean, QStringLiteral("False")},
+        // pictures sent smaller and upright; see readResizeForWeb for a file that lacks the key
+        {o, QStringLiteral("ResizeForWeb"), T::Boolean, QStringLiteral("True")},
+        {o, QStringLiteral("ResizeLongestSide"), T::Integer, QStringLiteral("1600")},
+        {o, QStringLiteral("ResizeJpegQuality"), T::Integer, QStringLiteral("85")},
         {o, QStringLiteral("RemoteSMTPHost"), T::Text, {}},
         {o, QStringLiteral("RemoteSMTPPort"), T::Text, QStringLiteral("25")},
         // secure mail: all empty means plain SMTP without signing in
@@ -207,4 +211,15 @@ void saveToolbarVisible(SettingsStore& store, bool visible)
 void saveStatusbarVisible(SettingsStore& store, bool visible)
 {
     store.saveBool(Settings::kApp, Settings::kOptions, QStringLiteral("StatusBar"), visible);
+}
+
+bool readResizeForWeb(const SettingsStore& store)
+{
+    const QString key = QStringLiteral("ResizeForWeb");
+    if (store.contains(Settings::kApp, Settings::kOptions, key))
+        return SettingsStore::toBool(readSetting(store, Settings::kOptions, key), true);
+    // Every Options dialog that ever saved wrote "UploadAbsolute"; start-up never does. Its
+    // presence marks settings made before pictures could be resized, whose uploads went out
+    // as they were: they stay that way until the seller ticks the box.
+    return !store.contains(Settings::kApp, Settings::kOptions, QStringLiteral("UploadAbsolute"));
 }

@@ -63,6 +63,10 @@ const QList<DefaultLink>& defaultLinks();
 void seedDefaultLinks(SettingsStore& store);
 void migrateSettings(SettingsStore& store);
 
+// "Resize pictures for the web before upload": on for new settings, off for settings saved
+// before the choice existed, until the Options dialog writes it.
+bool readResizeForWeb(const SettingsStore& store);
+
 // The bar switches are read as "Toolbar"/"Statusbar" and written as "ToolBar"/"StatusBar";
 // the store does not tell letter case apart, so both name one value.
 bool readToolbarVisible(const SettingsStore& store);

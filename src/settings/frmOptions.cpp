@@ -210,7 +210,15 @@ void frmOptions::loadSettings()
     m_ui->cmbSMTPSecurity->setCurrentIndex(known ? int(*known) : -1);
     m_unknownSmtpSecurity = known ? QString() : security;
 
+    // Read through the settings record, which tells new settings from older ones and turns a
+    // size or quality out of reach into its default.
+    const OptionsRecord saved = OptionsRecord::load(store);
+    m_ui->chkResizeForWeb->setChecked(saved.resizeForWeb);
+    m_ui->spnResizeLongestSide->setValue(saved.resizeLongestSide);
+    m_ui->spnResizeJpegQuality->setValue(saved.resizeJpegQuality);
+
     updateProxyControls();
+    updateResizeControls();
 }
 
 void frmOptions::connectControls()
@@ -228,6 +236,7 @@ void frmOptions::connectControls()
         m_ctx.prompts.message(OptionsTexts::kWebRootHelp, OptionsTexts::kWebRootHelpTitle);
     });
     connect(ui.chkProxy, &QCheckBox::toggled, this, &frmOptions::updateProxyControls);
+    connect(ui.chkResizeForWeb, &QCheckBox::toggled, this, &frmOptions::updateResizeControls);
 
     // A pick counts even when it is the entry already shown (activated), and so does a change
     // made without the list open (currentIndexChanged).
@@ -304,6 +313,16 @@ void frmOptions::updateProxyControls()
         w->setEnabled(on);
 }
 
+void frmOptions::updateResizeControls()
+{
+    const bool on = m_ui->chkResizeForWeb->isChecked();
+    for (QWidget* w : {static_cast<QWidget*>(m_ui->spnResizeLongestSide),
+                       static_cast<QWidget*>(m_ui->spnResizeJpegQuality),
+                       static_cast<QWidget*>(m_ui->lblResizeLongestSide),
+                       static_cast<QWidget*>(m_ui->lblResizeJpegQuality)})
+        w->setEnabled(on);
+}
+
 void frmOptions::normalizeFields()
 {
     // The same tidying the fields get when they lose the focus; OK pressed with Enter, or by
@@ -334,6 +353,11 @@ bool frmOptions::applySettings()
         save(field.key, SettingsStore::boolText(field.whenTrue->isChecked()));
     save(QStringLiteral("UploadAbsolute"),
          SettingsStore::boolText(m_ui->optUploadAbsolute->isChecked()));
+
+    save(QStringLiteral("ResizeForWeb"),
+         SettingsStore::boolText(m_ui->chkResizeForWeb->isChecked()));
+    save(QStringLiteral("ResizeLongestSide"), QString::number(m_ui->spnResizeLongestSide->value()));
+    save(QStringLiteral("ResizeJpegQuality"), QString::number(m_ui->spnResizeJpegQuality->value()));
 
     save(QStringLiteral("Country"), m_pendingCountry);
     save(QStringLiteral("CountryNum"), m_pendingCountryNum);

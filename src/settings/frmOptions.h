@@ -39,6 +39,7 @@ private:
     void fillLists();
     void connectControls();
     void updateProxyControls();
+    void updateResizeControls();
     void normalizeFields();
 
     void onOk();

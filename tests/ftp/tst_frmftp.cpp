@@ -1,3 +1,4 @@
+#include "../support/CameraPicture.h"
 #include "../support/LayoutCheck.h"
 #include "../support/TestEnvironment.h"
 #include "ftp/UploadCommandUi.h"
@@ -7,6 +8,7 @@
 
 #include <QDir>
 #include <QFrame>
+#include <QImageReader>
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -17,6 +19,7 @@ namespace {
 // clang-format off
 struct Upload { bool relative; QString host, landsIn, kind, message; }; // message "": it runs
 struct Failure { QString host, port, password, mode; int code; }; // port "": the server's
+struct Camera { UploadSource source; bool resize; int longestSide; QSize received; };
 // clang-format on
 const QString kHost = QStringLiteral("127.0.0.1");
 const QString kLoggingOff = QStringLiteral("Logging off.  Bye!");
@@ -130,6 +133,71 @@ private slots:
         QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdClose")),
                           Qt::LeftButton);
         QTRY_VERIFY(window.isNull());
+    }
+
+    // A phone's 4000x3000 photograph stored on its side (EXIF orientation 6) goes up upright and
+    // no larger than the settings allow, under its own name, made in a temporary folder that is
+    // gone afterwards. The window shows the usual lines and the seller's file is untouched.
+    // With resizing off, and for theme media, the file goes byte for byte.
+    void cameraPictureGoesUpResized_data()
+    {
+        QTest::addColumn<Camera>("row");
+        const auto item = UploadSource::ItemPictures;
+        // clang-format off
+        QTest::newRow("resized")       << Camera{item, true, 1600, QSize(1200, 1600)};
+        QTest::newRow("other side")    << Camera{item, true, 800,  QSize(600, 800)};
+        QTest::newRow("resizing off")  << Camera{item, false, 1600, QSize()};
+        QTest::newRow("theme media")   << Camera{UploadSource::AdStudioMedia, true, 1600, QSize()};
+        // clang-format on
+    }
+    void cameraPictureGoesUpResized()
+    {
+        QFETCH(Camera, row);
+        Rig rig;
+        QTemporaryDir temp;
+        const QByteArray tmpdir = qgetenv("TMPDIR");
+        qputenv("TMPDIR", temp.path().toLocal8Bit());
+        const auto restore = qScopeGuard([&] { qputenv("TMPDIR", tmpdir); });
+        OptionsRecord& o = rig.ctx.state.options;
+        o.resizeForWeb = row.resize;
+        o.resizeLongestSide = row.longestSide;
+        const QByteArray photo =
+            CameraPicture::jpegWithOrientation(CameraPicture::quarters(4000, 3000), 6);
+        const QString path = rig.env.writeFile(QStringLiteral("phone photo.jpg"), photo);
+
+        QWidget itemWindow;
+        const QPointer<frmFTP> window =
+            runUploadCommand(rig.ctx, row.source, {path}, &itemWindow, nullptr);
+        QVERIFY(window);
+        QSignalSpy done(window.data(), &frmFTP::finished);
+        QVERIFY(done.wait(60000));
+        QCOMPARE(window->statusLines(),
+                 QStringList({"Connecting to 127.0.0.1", "Connected.",
+                              "Transferring Image file " + path +
+                                  " to FTP Host: 127.0.0.1 into Relative path picsphone photo.jpg",
+                              kLoggingOff}));
+        QVERIFY(rig.env.prompts().shown().isEmpty());
+        QFile original(path);
+        QVERIFY(original.open(QIODevice::ReadOnly));
+        QCOMPARE(original.readAll(), photo);
+        QCOMPARE(QDir(temp.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
+                 QStringList());
+
+        const QString received = rig.local(QStringLiteral("/www/pics/phone photo.jpg"));
+        if (!row.received.isValid()) {
+            QCOMPARE(rig.content(QStringLiteral("/www/pics/phone photo.jpg")), photo);
+            return;
+        }
+        QImageReader back(received);
+        QCOMPARE(back.format(), QByteArray("jpeg"));
+        QCOMPARE(back.size(), row.received);
+        QCOMPARE(back.transformation(), QImageIOHandler::TransformationNone);
+        QVERIFY(QFileInfo(received).size() < photo.size() / 2);
+        // Upright: the stored top-left quarter (red) is now top right.
+        const QImage image = back.read();
+        const QColor topRight = image.pixelColor(image.width() * 3 / 4, image.height() / 4);
+        QVERIFY2(topRight.red() > 200 && topRight.green() < 60 && topRight.blue() < 60,
+                 qPrintable(topRight.name()));
     }
 
     void removeRunIsSilent()

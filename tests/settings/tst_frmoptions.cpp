@@ -290,6 +290,63 @@ private slots:
         QCOMPARE(server.events().mid(1), (QStringList{u"AUTH PLAIN seller ok"_s, u"QUIT"_s}));
     }
 
+    // The picture resizing on the Miscellaneous tab: ticked for new settings, not for settings
+    // saved before it existed; the size and quality boxes follow the tick; Apply writes all
+    // three and a new dialog shows them again.
+    void resizePicturesChoice_data()
+    {
+        QTest::addColumn<QString>("preset"); // "Key=value|..." stored before the dialog opens
+        QTest::addColumn<bool>("shownOn");
+        QTest::addColumn<QString>("change");  // "tick", "side quality" typed, or ""
+        QTest::addColumn<QString>("written"); // ResizeForWeb|ResizeLongestSide|ResizeJpegQuality
+        // clang-format off
+        QTest::newRow("new settings")     << ""                       << true  << ""          << "True|1600|85";
+        QTest::newRow("saved before")     << "UploadAbsolute=False"   << false << ""          << "False|1600|85";
+        QTest::newRow("ticked on")        << "UploadAbsolute=False"   << false << "tick"      << "True|1600|85";
+        QTest::newRow("own size")         << ""                       << true  << "2400 70"   << "True|2400|70";
+        QTest::newRow("stored values")    << "ResizeLongestSide=900|ResizeJpegQuality=60" << true << "" << "True|900|60";
+        // clang-format on
+    }
+    void resizePicturesChoice()
+    {
+        QFETCH(QString, preset);
+        QFETCH(bool, shownOn);
+        QFETCH(QString, change);
+        QFETCH(QString, written);
+        for (const QString& pair : preset.split(u'|', Qt::SkipEmptyParts))
+            m_env->store().save(Settings::kApp, Settings::kOptions, pair.section(u'=', 0, 0),
+                                pair.section(u'=', 1));
+        open();
+        auto* tick = child<QCheckBox>(u"chkResizeForWeb"_s);
+        auto* side = child<QSpinBox>(u"spnResizeLongestSide"_s);
+        auto* quality = child<QSpinBox>(u"spnResizeJpegQuality"_s);
+        QCOMPARE(tick->isChecked(), shownOn);
+        QCOMPARE(side->isEnabled(), shownOn);
+        QCOMPARE(quality->isEnabled(), shownOn);
+        if (change == u"tick") {
+            click(u"chkResizeForWeb"_s);
+            QVERIFY(side->isEnabled() && quality->isEnabled());
+        } else if (!change.isEmpty()) {
+            for (auto [box, text] : {std::pair{side, change.section(u' ', 0, 0)},
+                                     std::pair{quality, change.section(u' ', 1, 1)}}) {
+                box->setFocus();
+                box->selectAll();
+                QTest::keyClicks(box, text);
+            }
+        }
+        click(u"cmdApply"_s);
+        const QStringList keys{"ResizeForWeb", "ResizeLongestSide", "ResizeJpegQuality"};
+        QStringList stored;
+        for (const QString& key : keys)
+            stored << m_env->store().get(Settings::kApp, Settings::kOptions, key);
+        QCOMPARE(stored.join(u'|'), written);
+        QCOMPARE(m_env->context().state.options.resizeForWeb, written.startsWith(u"True"));
+        open();
+        QCOMPARE(child<QCheckBox>(u"chkResizeForWeb"_s)->isChecked(), written.startsWith(u"True"));
+        QCOMPARE(child<QSpinBox>(u"spnResizeLongestSide"_s)->value(),
+                 written.section(u'|', 1, 1).toInt());
+    }
+
     void everyTabFitsAtTheDefaultSize()
     {
         auto* tabs = child<QTabWidget>(u"TabStrip1"_s);

@@ -74,6 +74,49 @@ private slots:
                          pair.section(u'=', 1));
         }
     }
+
+    // "Resize pictures for the web before upload": on for new settings; settings an Options
+    // dialog saved before the choice existed (they hold "UploadAbsolute") keep uploading as
+    // they did. Start-up's own writes do not count as such a save. A size or quality that is
+    // no number or out of reach reads as its default.
+    void resizeChoice_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<bool>("on");
+        QTest::addColumn<int>("side");
+        QTest::addColumn<int>("quality");
+        // clang-format off
+        QTest::newRow("new settings")          << ""                                          << true  << 1600 << 85;
+        QTest::newRow("after start-up only")   << "<start>"                                   << true  << 1600 << 85;
+        QTest::newRow("saved before")          << "UploadAbsolute=False|RemoteHost=h"         << false << 1600 << 85;
+        QTest::newRow("saved before, chosen")  << "UploadAbsolute=False|ResizeForWeb=True"    << true  << 1600 << 85;
+        QTest::newRow("switched off")          << "ResizeForWeb=False"                        << false << 1600 << 85;
+        QTest::newRow("own size and quality")  << "ResizeLongestSide=2400|ResizeJpegQuality=70" << true << 2400 << 70;
+        QTest::newRow("not numbers")           << "ResizeLongestSide=big|ResizeJpegQuality= "  << true  << 1600 << 85;
+        QTest::newRow("out of reach")          << "ResizeLongestSide=10|ResizeJpegQuality=101" << true  << 1600 << 85;
+        // clang-format on
+    }
+    void resizeChoice()
+    {
+        QFETCH(QString, stored);
+        QFETCH(bool, on);
+        QFETCH(int, side);
+        QFETCH(int, quality);
+        if (stored == u"<start>") {
+            m_store->save(Settings::kApp, Settings::kSystemData, "AppPath", "/opt/tb");
+            seedDefaultLinks(*m_store);
+            migrateSettings(*m_store);
+        } else {
+            for (const QString& pair : stored.split(u'|', Qt::SkipEmptyParts))
+                m_store->save(Settings::kApp, Settings::kOptions, pair.section(u'=', 0, 0),
+                              pair.section(u'=', 1));
+        }
+        QCOMPARE(readResizeForWeb(*m_store), on);
+        const OptionsRecord r = OptionsRecord::load(*m_store);
+        QCOMPARE(r.resizeForWeb, on);
+        QCOMPARE(r.resizeLongestSide, side);
+        QCOMPARE(r.resizeJpegQuality, quality);
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_SettingsCatalogue)

@@ -1,0 +1,226 @@
+// Camera pictures read upright and copied for the web: real JPEGs with EXIF orientation tags,
+// PNG, GIF and (where the plugin is installed) WebP files written to disk and read back.
+#include "../support/CameraPicture.h"
+#include "platform/PictureTools.h"
+
+#include <QImageReader>
+#include <QImageWriter>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace PictureTools;
+using Outcome = WebCopy::Outcome;
+
+namespace {
+
+// The colours of the four quarters as seen, top left, top right, bottom left, bottom right:
+// "RGBW" is the picture as drawn by CameraPicture::quarters.
+QString quarterColours(const QImage& image)
+{
+    QString seen;
+    for (const auto& [fx, fy] : {std::pair{1, 1}, {3, 1}, {1, 3}, {3, 3}}) {
+        const QColor c = image.pixelColor(image.width() * fx / 4, image.height() * fy / 4);
+        const bool r = c.red() > 128, g = c.green() > 128, b = c.blue() > 128;
+        seen += r && g && b ? u'W' : r ? u'R' : g ? u'G' : b ? u'B' : u'?';
+    }
+    return seen;
+}
+
+// A one-colour GIF, which this program can read but not write. The LZW stream sends a clear
+// code before every two pixels, so its codes stay three bits wide.
+QByteArray oneColourGif(int width, int height)
+{
+    QByteArray gif("GIF89a");
+    const auto le16 = [&gif](int v) {
+        gif.append(char(v & 0xff));
+        gif.append(char(v >> 8));
+    };
+    le16(width);
+    le16(height);
+    gif.append("\x80\x00\x00", 3);             // a two-entry colour table follows
+    gif.append("\xff\x00\x00\xff\xff\xff", 6); // red, white
+    gif.append(',');                           // the one image, at 0,0
+    for (const int v : {0, 0, width, height})
+        le16(v);
+    gif.append('\0');
+    gif.append('\x02'); // smallest code size
+    QByteArray data;
+    quint32 bits = 0;
+    int held = 0;
+    const auto code = [&](quint32 c) {
+        bits |= c << held;
+        for (held += 3; held >= 8; held -= 8, bits >>= 8)
+            data.append(char(bits & 0xff));
+    };
+    for (int pixel = 0; pixel < width * height; pixel += 2) {
+        code(4); // clear
+        code(0);
+        code(0);
+    }
+    code(5); // end of information
+    if (held > 0)
+        data.append(char(bits & 0xff));
+    for (qsizetype at = 0; at < data.size(); at += 255) {
+        const QByteArray block = data.mid(at, 255);
+        gif.append(char(block.size()));
+        gif.append(block);
+    }
+    gif.append('\0');
+    gif.append(';');
+    return gif;
+}
+
+QByteArray bytesOf(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+} // namespace
+
+class TestPictureTools : public QObject
+{
+    Q_OBJECT
+    QTemporaryDir m_dir;
+
+    QString path(const QString& name) const { return m_dir.filePath(name); }
+
+private slots:
+    // Every EXIF orientation: the header's size is turned without decoding, and the decoded
+    // picture shows its quarters where the camera meant them.
+    void readsUpright_data()
+    {
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<QSize>("upright");
+        QTest::addColumn<QString>("colours");
+        // clang-format off
+        QTest::newRow("1 as stored")          << 1 << QSize(80, 40) << "RGBW";
+        QTest::newRow("2 mirrored")           << 2 << QSize(80, 40) << "GRWB";
+        QTest::newRow("3 upside down")        << 3 << QSize(80, 40) << "WBGR";
+        QTest::newRow("6 turned right")       << 6 << QSize(40, 80) << "BRWG";
+        QTest::newRow("8 turned left")        << 8 << QSize(40, 80) << "GWRB";
+        // clang-format on
+    }
+    void readsUpright()
+    {
+        QFETCH(int, orientation);
+        QFETCH(QSize, upright);
+        QFETCH(QString, colours);
+        const QString file = path(QStringLiteral("o%1.jpg").arg(orientation));
+        QVERIFY(CameraPicture::writeFile(
+            file, CameraPicture::jpegWithOrientation(CameraPicture::quarters(80, 40),
+                                                     quint16(orientation))));
+        const PictureInfo info = inspect(file);
+        QCOMPARE(info.size, upright);
+        QCOMPARE(info.format, QByteArray("jpeg"));
+        QCOMPARE(info.turned, orientation != 1);
+        const QImage whole = readUpright(file);
+        QCOMPARE(whole.size(), upright);
+        QCOMPARE(quarterColours(whole), colours);
+        // Read to fit a box: aspect kept, still upright.
+        const QImage fitted = readUpright(file, QSize(20, 20));
+        QCOMPARE(fitted.size(), upright.scaled(20, 20, Qt::KeepAspectRatio));
+        QCOMPARE(quarterColours(fitted), colours);
+    }
+
+    void fitting_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QSize>("bound");
+        QTest::addColumn<QSize>("fitted");
+        // clang-format off
+        QTest::newRow("camera landscape") << QSize(4000, 3000) << QSize(1600, 1600) << QSize(1600, 1200);
+        QTest::newRow("camera portrait")  << QSize(3000, 4000) << QSize(1600, 1600) << QSize(1200, 1600);
+        QTest::newRow("already fits")     << QSize(800, 600)   << QSize(1600, 1600) << QSize(800, 600);
+        QTest::newRow("exactly the side") << QSize(1600, 10)   << QSize(1600, 1600) << QSize(1600, 10);
+        QTest::newRow("never below 1")    << QSize(5000, 1)    << QSize(258, 198)   << QSize(258, 1);
+        QTest::newRow("no bound")         << QSize(5000, 1)    << QSize()           << QSize(5000, 1);
+        // clang-format on
+    }
+    void fitting()
+    {
+        QFETCH(QSize, size);
+        QFETCH(QSize, bound);
+        QFETCH(QSize, fitted);
+        QCOMPARE(fittedSize(size, bound), fitted);
+    }
+
+    // What goes to the web for each kind of file. The source is never touched; a copy is
+    // written only when one is needed and possible, in the source's own format.
+    void webCopy_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QSize>("stored");
+        QTest::addColumn<int>("orientation"); // 0: no EXIF block
+        QTest::addColumn<int>("outcome");
+        QTest::addColumn<QSize>("sent");
+        // clang-format off
+        QTest::newRow("large photo")     << "a.jpg"  << QSize(3200, 2400) << 0 << int(Outcome::Written)    << QSize(1600, 1200);
+        QTest::newRow("large, on side")  << "b.jpg"  << QSize(3200, 2400) << 6 << int(Outcome::Written)    << QSize(1200, 1600);
+        QTest::newRow("small, on side")  << "c.jpg"  << QSize(300, 200)   << 8 << int(Outcome::Written)    << QSize(200, 300);
+        QTest::newRow("small, upright")  << "d.jpg"  << QSize(300, 200)   << 1 << int(Outcome::AsItIs)     << QSize();
+        QTest::newRow("large png")       << "e.png"  << QSize(2000, 500)  << 0 << int(Outcome::Written)    << QSize(1600, 400);
+        QTest::newRow("large gif")       << "f.gif"  << QSize(2000, 4)    << 0 << int(Outcome::Failed)     << QSize();
+        QTest::newRow("large webp")      << "g.webp" << QSize(2000, 500)  << 0 << int(Outcome::Written)    << QSize(1600, 400);
+        QTest::newRow("not a picture")   << "h.jpg"  << QSize()           << 0 << int(Outcome::Unreadable) << QSize();
+        // clang-format on
+    }
+    void webCopy()
+    {
+        QFETCH(QString, name);
+        QFETCH(QSize, stored);
+        QFETCH(int, orientation);
+        QFETCH(int, outcome);
+        QFETCH(QSize, sent);
+        const QByteArray format = QFileInfo(name).suffix().toLatin1();
+        if (format == "webp" && !QImageWriter::supportedImageFormats().contains("webp"))
+            QSKIP("the WebP image plugin is not installed");
+
+        const QString source = path(name);
+        if (orientation)
+            QVERIFY(CameraPicture::writeFile(
+                source, CameraPicture::jpegWithOrientation(
+                            CameraPicture::quarters(stored.width(), stored.height()),
+                            quint16(orientation))));
+        else if (format == "gif")
+            QVERIFY(
+                CameraPicture::writeFile(source, oneColourGif(stored.width(), stored.height())));
+        else if (stored.isValid())
+            QVERIFY(CameraPicture::quarters(stored.width(), stored.height())
+                        .save(source, format.constData()));
+        else
+            QVERIFY(CameraPicture::writeFile(source, "not a picture at all"));
+        const QByteArray before = bytesOf(source);
+
+        const QString copy = path(QStringLiteral("web-") + name);
+        const WebCopy result = makeWebCopy(source, copy, WebCopyOptions{1600, 85});
+        QCOMPARE(int(result.outcome), outcome);
+        QCOMPARE(bytesOf(source), before);
+        QCOMPARE(QFile::exists(copy), sent.isValid());
+        if (!sent.isValid())
+            return;
+        QCOMPARE(result.written, sent);
+        QImageReader back(copy);
+        QCOMPARE(back.format(), format == "jpg" ? QByteArray("jpeg") : format);
+        QCOMPARE(back.size(), sent);
+        // The copy is upright by itself: no tag is left to turn it again.
+        QCOMPARE(back.transformation(), QImageIOHandler::TransformationNone);
+        const QString expected = orientation == 6 ? "BRWG" : orientation == 8 ? "GWRB" : "RGBW";
+        QCOMPARE(quarterColours(back.read()), expected);
+    }
+
+    // A copy that cannot be written leaves nothing behind at its destination.
+    void failedCopyLeavesNothing()
+    {
+        const QString source = path(QStringLiteral("big.jpg"));
+        QVERIFY(CameraPicture::quarters(2000, 1000).save(source));
+        const QString copy = path(QStringLiteral("missing-folder/big.jpg"));
+        const WebCopy result = makeWebCopy(source, copy, {});
+        QCOMPARE(result.outcome, Outcome::Failed);
+        QVERIFY(!result.error.isEmpty());
+        QVERIFY(!QFile::exists(copy));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPictureTools)
+#include "tst_picturetools.moc"
