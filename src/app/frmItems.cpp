@@ -17,6 +17,7 @@
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
+#include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "settings/frmOptions.h"
@@ -156,7 +157,8 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
                      QString::number(rule.defaultWidthTwips))
                 .toDouble() /
             Startup::kTwipsPerPixel);
-    resize(std::max(width, 200), std::max(height, 200));
+    // A size saved on a larger screen, or at another scale, is cut to fit this one.
+    fitToScreen(*this, QSize(width, height));
     if (rule.hideViewButtons)
         for (const char* key : {"All", "Open", "Closed", "Find"})
             m_toolButtons.value(QString::fromLatin1(key))->setVisible(false);
