@@ -32,6 +32,7 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <utility>
 
 namespace {
 
@@ -74,6 +75,16 @@ bool separatorAfter(const QString& key)
 
 constexpr int kPreviewTwipsLimit = 32000;
 const QColor kPreviewedLabel(0, 0, 0x80); // the colour value 8388608
+
+// The picture labels' two colours: black and dark blue where they read on the window's
+// background, and the palette's own text colour and a light blue where it is dark.
+std::pair<QColor, QColor> pictureLabelColors(const QPalette& palette)
+{
+    const QColor background = palette.color(QPalette::Window);
+    if (background.lightnessF() >= 0.5)
+        return {QColor(Qt::black), kPreviewedLabel};
+    return {palette.color(QPalette::WindowText), QColor(0x8c, 0xb4, 0xff)};
+}
 
 bool isMoneyField(int index)
 {
@@ -486,7 +497,7 @@ void frmItems::UpdateNavigation()
 void frmItems::onReposition()
 {
     const bool hasItem = Data1->hasCurrent();
-    for (int i = 1; i < 15; ++i)
+    for (int i = 0; i < 15; ++i)
         txtFields[i]->setEnabled(hasItem);
     ui->chkActive->setEnabled(hasItem);
     for (QPushButton* b : cmdFind)
@@ -535,9 +546,10 @@ bool frmItems::previewPicture(int fieldIndex)
             showLogo(); // an item without pictures shows the logo, not the last item's picture
         return false;
     }
+    const auto [plain, previewed] = pictureLabelColors(QApplication::palette(txtLabels[4]));
     for (int i = 4; i <= 6; ++i) {
         QPalette p = txtLabels[i]->palette();
-        p.setColor(QPalette::WindowText, i == fieldIndex - 1 ? kPreviewedLabel : QColor(Qt::black));
+        p.setColor(QPalette::WindowText, i == fieldIndex - 1 ? previewed : plain);
         txtLabels[i]->setPalette(p);
     }
     if (!QFileInfo(path).isFile()) {

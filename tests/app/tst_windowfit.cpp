@@ -8,6 +8,7 @@
 #include "aftersale/frmNote.h"
 #include "app/frmFind.h"
 #include "app/frmItems.h"
+#include "app/frmSplash.h"
 #include "app/frmTools.h"
 #include "ftp/frmFTP.h"
 #include "listing/frmAdStudio.h"
@@ -74,6 +75,21 @@ QPalette darkPalette()
     return p;
 }
 
+// Contrast ratio of two colours as used for readable text (1 to 21).
+double contrast(const QColor& a, const QColor& b)
+{
+    const auto luminance = [](const QColor& c) {
+        const auto channel = [](double v) {
+            return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) +
+               0.0722 * channel(c.blueF());
+    };
+    const double la = luminance(a) + 0.05;
+    const double lb = luminance(b) + 0.05;
+    return std::max(la, lb) / std::min(la, lb);
+}
+
 QString shot(const QString& name)
 {
     const QString screen =
@@ -91,6 +107,10 @@ private slots:
     void everyWindowFits();
     void savedSizeIsFittedToTheScreen();
     void findHelpIsWhole();
+    void pictureLabelsRead_data();
+    void pictureLabelsRead();
+    void splashShowsOneLine();
+    void emptyViewGreysEveryBox();
 };
 
 void TestWindowFit::everyWindowFits_data()
@@ -190,6 +210,86 @@ void TestWindowFit::findHelpIsWhole()
                                 .arg(help->height())
                                 .arg(help->heightForWidth(help->width()))));
     }
+}
+
+void TestWindowFit::pictureLabelsRead_data()
+{
+    QTest::addColumn<bool>("dark");
+    QTest::addColumn<QColor>("previewed"); // invalid: any colour that reads
+    QTest::addColumn<QColor>("others");
+    QTest::newRow("light") << false << QColor(0, 0, 0x80) << QColor(Qt::black);
+    QTest::newRow("dark") << true << QColor() << QColor();
+}
+
+// Picture 2 is previewed: its label stands out from the other two, and all three read on the
+// window's background.
+void TestWindowFit::pictureLabelsRead()
+{
+    QFETCH(bool, dark);
+    const QPalette kept = QApplication::palette();
+    if (dark)
+        QApplication::setPalette(darkPalette());
+    TestEnvironment env;
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    const QString path = env.path(QStringLiteral("p.png"));
+    QVERIFY(picture.save(path));
+    env.addItems(
+        {{{QStringLiteral("Picture1Path"), path}, {QStringLiteral("Picture2Path"), path}}});
+    frmItems items(env.context(), QSize(1280, 1024));
+    items.show();
+    items.previewPicture(6);
+    const QColor background = items.palette().color(QPalette::Window);
+    QList<QColor> colours;
+    for (int i = 4; i <= 6; ++i) {
+        auto* label = items.findChild<QLabel*>(QStringLiteral("txtLabels_%1").arg(i));
+        colours << label->palette().color(QPalette::WindowText);
+        QVERIFY2(contrast(colours.last(), background) >= 4.5,
+                 qPrintable(label->text() + u' ' + colours.last().name()));
+    }
+    QApplication::setPalette(kept);
+    QCOMPARE(colours[0], colours[2]);
+    QVERIFY(colours[1] != colours[0]);
+    QFETCH(QColor, previewed);
+    QFETCH(QColor, others);
+    if (previewed.isValid()) {
+        QCOMPARE(colours[1], previewed);
+        QCOMPARE(colours[0], others);
+    }
+}
+
+// The artwork has its own status line; nothing is written over it.
+void TestWindowFit::splashShowsOneLine()
+{
+    frmSplash splash;
+    splash.show();
+    QCoreApplication::processEvents();
+    const QImage artwork =
+        QImage(QStringLiteral(":/splash.png")).convertToFormat(QImage::Format_RGB32);
+    QVERIFY(!artwork.isNull());
+    const QImage shown = splash.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    QVERIFY(splash.grab().save(shot(QStringLiteral("splash"))));
+    if (splash.devicePixelRatio() != 1.0)
+        QSKIP("the artwork is redrawn at the screen's scale; compared on unscaled screens");
+    QCOMPARE(shown.size(), artwork.size());
+    QVERIFY(shown == artwork);
+}
+
+// An Inactive view with nothing in it: every box is grey, the ID box too.
+void TestWindowFit::emptyViewGreysEveryBox()
+{
+    TestEnvironment env;
+    env.addItems({{{QStringLiteral("ShortDescription"), QStringLiteral("Vase")},
+                   {QStringLiteral("Active"), true}}});
+    frmItems items(env.context(), QSize(1280, 1024));
+    items.show();
+    items.mnuClosed_Click();
+    for (int i = 0; i < 15; ++i) {
+        auto* box = items.findChild<QWidget*>(QStringLiteral("txtFields_%1").arg(i));
+        QVERIFY2(!box->isEnabled(), qPrintable(box->objectName()));
+    }
+    items.mnuAll_Click();
+    QVERIFY(items.findChild<QLineEdit*>(QStringLiteral("txtFields_0"))->isEnabled());
 }
 
 QTEST_MAIN(TestWindowFit)
