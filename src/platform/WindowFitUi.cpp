@@ -14,6 +14,8 @@ namespace {
 // What the window system adds around a window that has not been shown yet: a title bar and thin
 // borders, generous enough for the common desktops.
 constexpr QMargins kFrameEstimate(6, 32, 6, 6);
+// What a scrolled control shows at least: most of a page of fields on a 640x480 screen.
+constexpr QSize kSmallestScrolledView(420, 260);
 
 QMargins frameOf(const QWidget& window)
 {
@@ -115,5 +117,7 @@ void scrollWhenShort(QWidget& content)
     area->viewport()->setAutoFillBackground(false);
     delete layout->replaceWidget(&content, area);
     area->setWidget(&content); // the area owns the control from here
+    // Scrolling is for small screens; the window never shrinks to a peephole.
+    area->setMinimumSize(content.minimumSizeHint().boundedTo(kSmallestScrolledView));
     content.setAutoFillBackground(false);
 }
