@@ -5,6 +5,7 @@
 #include "ftp/UploadCommandUi.h"
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
+#include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "settings/frmOptions.h"
@@ -37,6 +38,7 @@ frmCleanup::frmCleanup(AppContext& ctx, std::function<void()> releasePreviews,
     remember(ui->chkLeaveFeedback, QStringLiteral("LeaveFeedbackNow"));
     connect(ui->cmdOk, &QPushButton::clicked, this, &frmCleanup::cmdOk_Click);
     connect(ui->cmdCancel, &QPushButton::clicked, this, &frmCleanup::close);
+    fitToScreen(*this);
 }
 
 frmCleanup::~frmCleanup() = default;

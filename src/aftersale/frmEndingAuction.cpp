@@ -8,6 +8,7 @@
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
+#include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "settings/frmOptions.h"
@@ -166,6 +167,7 @@ frmEndingAuction::frmEndingAuction(AppContext& ctx, QWidget* parent)
     // Loading: Data1 on the whole Items table; activation picks the item.
     Data1->setRecordSource(QStringLiteral("Items"));
     Data1->refresh();
+    fitToScreen(*this);
 }
 
 frmEndingAuction::~frmEndingAuction() = default;

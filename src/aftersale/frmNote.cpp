@@ -6,6 +6,7 @@
 #include "platform/SettingsStore.h"
 #include "platform/SmtpClient.h"
 #include "platform/SmtpErrors.h"
+#include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "settings/frmOptions.h"
@@ -27,6 +28,7 @@ frmNote::frmNote(AppContext& ctx, frmEndingAuction* ending, QWidget* parent)
     SmtpClient1->setObjectName(QStringLiteral("SmtpClient1"));
     connect(ui->cmdSend, &QPushButton::clicked, this, &frmNote::cmdSend_Click);
     connect(ui->cmdClose, &QPushButton::clicked, this, &frmNote::close);
+    fitToScreen(*this);
 }
 
 frmNote::~frmNote() = default;

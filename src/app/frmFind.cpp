@@ -5,6 +5,7 @@
 #include "platform/Database.h"
 #include "platform/KeyFilter.h"
 #include "platform/Prompts.h"
+#include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 #include "ui_frmFind.h"
 
@@ -28,6 +29,7 @@ frmFind::frmFind(AppContext& ctx, QWidget* parent)
     connect(ui->txtItemNumber, &QLineEdit::returnPressed, this, &frmFind::cmdItemFind_Click);
     for (QLineEdit* box : {ui->txtEbayId, ui->txtDescription, ui->txtBuyerEmail, ui->txtBuyerName})
         connect(box, &QLineEdit::returnPressed, this, &frmFind::cmdTextFind_Click);
+    fitToScreen(*this);
 }
 
 frmFind::~frmFind() = default;

@@ -18,6 +18,7 @@
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
+#include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "settings/frmOptions.h"
@@ -31,6 +32,7 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <utility>
 
 namespace {
 
@@ -73,6 +75,16 @@ bool separatorAfter(const QString& key)
 
 constexpr int kPreviewTwipsLimit = 32000;
 const QColor kPreviewedLabel(0, 0, 0x80); // the colour value 8388608
+
+// The picture labels' two colours: black and dark blue where they read on the window's
+// background, and the palette's own text colour and a light blue where it is dark.
+std::pair<QColor, QColor> pictureLabelColors(const QPalette& palette)
+{
+    const QColor background = palette.color(QPalette::Window);
+    if (background.lightnessF() >= 0.5)
+        return {QColor(Qt::black), kPreviewedLabel};
+    return {palette.color(QPalette::WindowText), QColor(0x8c, 0xb4, 0xff)};
+}
 
 bool isMoneyField(int index)
 {
@@ -156,7 +168,8 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
                      QString::number(rule.defaultWidthTwips))
                 .toDouble() /
             Startup::kTwipsPerPixel);
-    resize(std::max(width, 200), std::max(height, 200));
+    // A size saved on a larger screen, or at another scale, is cut to fit this one.
+    fitToScreen(*this, QSize(width, height));
     if (rule.hideViewButtons)
         for (const char* key : {"All", "Open", "Closed", "Find"})
             m_toolButtons.value(QString::fromLatin1(key))->setVisible(false);
@@ -492,7 +505,7 @@ void frmItems::UpdateNavigation()
 void frmItems::onReposition()
 {
     const bool hasItem = Data1->hasCurrent();
-    for (int i = 1; i < 15; ++i)
+    for (int i = 0; i < 15; ++i)
         txtFields[i]->setEnabled(hasItem);
     ui->chkActive->setEnabled(hasItem);
     for (QPushButton* b : cmdFind)
@@ -541,9 +554,10 @@ bool frmItems::previewPicture(int fieldIndex)
             showLogo(); // an item without pictures shows the logo, not the last item's picture
         return false;
     }
+    const auto [plain, previewed] = pictureLabelColors(QApplication::palette(txtLabels[4]));
     for (int i = 4; i <= 6; ++i) {
         QPalette p = txtLabels[i]->palette();
-        p.setColor(QPalette::WindowText, i == fieldIndex - 1 ? kPreviewedLabel : QColor(Qt::black));
+        p.setColor(QPalette::WindowText, i == fieldIndex - 1 ? previewed : plain);
         txtLabels[i]->setPalette(p);
     }
     if (!QFileInfo(path).isFile()) {

@@ -4,10 +4,12 @@
 #include <QPainter>
 
 namespace {
-QPixmap splashPicture()
+// The artwork carries its own line about what is happening; only the plain fallback needs one.
+QPixmap splashPicture(bool& hasStatusLine)
 {
     QPixmap picture(QStringLiteral(":/splash.png"));
-    if (!picture.isNull())
+    hasStatusLine = !picture.isNull();
+    if (hasStatusLine)
         return picture;
     // Without the artwork the splash still says what is starting.
     picture = QPixmap(420, 260);
@@ -23,10 +25,20 @@ QPixmap splashPicture()
 }
 } // namespace
 
-frmSplash::frmSplash() : QSplashScreen(splashPicture())
+// The artwork lives in a static library; its resources must be registered by hand.
+static void initResources()
 {
+    Q_INIT_RESOURCE(icons);
+}
+
+frmSplash::frmSplash()
+{
+    initResources();
     setObjectName(QStringLiteral("frmSplash"));
-    showMessage(QStringLiteral("Version %1  -  loading your items...")
-                    .arg(QCoreApplication::applicationVersion()),
-                Qt::AlignBottom | Qt::AlignHCenter, Qt::white);
+    bool hasStatusLine = false;
+    setPixmap(splashPicture(hasStatusLine));
+    if (!hasStatusLine)
+        showMessage(QStringLiteral("Version %1  -  loading your items...")
+                        .arg(QCoreApplication::applicationVersion()),
+                    Qt::AlignBottom | Qt::AlignHCenter, Qt::white);
 }

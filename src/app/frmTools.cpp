@@ -1,5 +1,7 @@
 #include "app/frmTools.h"
 
+#include "platform/WindowFitUi.h"
+
 #include <QCalendarWidget>
 #include <QGridLayout>
 #include <QKeyEvent>
@@ -38,6 +40,7 @@ frmCalculator::frmCalculator(QWidget* parent) : QDialog(parent)
             connect(button, &QPushButton::clicked, this, [this, key] { press(key); });
             grid->addWidget(button, r + 1, c, 1, key == QLatin1String("=") ? 2 : 1);
         }
+    fitToScreen(*this);
 }
 
 void frmCalculator::press(const QString& key)
@@ -84,4 +87,5 @@ frmCalendar::frmCalendar(QWidget* parent) : QDialog(parent)
     calendar->setObjectName(QStringLiteral("calMonth"));
     calendar->setGridVisible(true);
     layout->addWidget(calendar);
+    fitToScreen(*this);
 }

@@ -3,6 +3,7 @@
 #include "ftp/texts.h"
 #include "platform/FtpClient.h"
 #include "platform/FtpErrors.h"
+#include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 #include "ui_frmFTP.h"
 
@@ -52,6 +53,7 @@ frmFTP::frmFTP(AppContext& ctx, QWidget* parent)
     connect(m_client, &FtpClient::progress, this, &frmFTP::onProgress);
     connect(ui->CancelBtn, &QPushButton::clicked, this, &frmFTP::onAbort);
     connect(ui->cmdClose, &QPushButton::clicked, this, &frmFTP::close);
+    fitToScreen(*this);
 }
 
 frmFTP::~frmFTP()

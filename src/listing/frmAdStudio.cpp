@@ -5,6 +5,7 @@
 #include "listing/ListingTexts.h"
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
+#include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "ui_frmAdStudio.h"
@@ -110,6 +111,7 @@ frmAdStudio::frmAdStudio(AppContext& ctx, QWidget* parent)
     }
     putRoleTexts(loadRoleTexts(m_ctx.store));
     m_changed = false;
+    fitToScreen(*this);
 }
 
 frmAdStudio::~frmAdStudio() = default;

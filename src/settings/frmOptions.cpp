@@ -9,6 +9,7 @@
 #include "platform/Shell.h"
 #include "platform/SmtpClient.h"
 #include "platform/SmtpErrors.h"
+#include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 #include "settings/CountryRegionLists.h"
 #include "settings/OptionsFields.h"
@@ -153,6 +154,10 @@ frmOptions::frmOptions(AppContext& ctx, QWidget* parent)
     connectControls();
     ui.TabStrip1->setCurrentIndex(0);
     resize(sizeHint().expandedTo(QSize(660, 500)));
+    // On a small screen the tabs scroll sideways and a tall page scrolls down.
+    ui.TabStrip1->setUsesScrollButtons(true);
+    scrollWhenShort(*ui.TabStrip1);
+    fitToScreen(*this);
 }
 
 frmOptions::~frmOptions() = default;

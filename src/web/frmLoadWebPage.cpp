@@ -3,6 +3,7 @@
 #include "platform/SettingsStore.h"
 #include "platform/TextRoutines.h"
 #include "platform/WebClient.h"
+#include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "ui_frmLoadWebPage.h"
@@ -76,6 +77,7 @@ frmLoadWebPage::frmLoadWebPage(AppContext& ctx, QWidget* parent)
     connect(WebClient1, &WebClient::transferComplete, this, &frmLoadWebPage::onTransferComplete);
     connect(WebClient1, &WebClient::disconnected, this, &frmLoadWebPage::onDisconnected);
     connect(WebClient1, &WebClient::cancelled, this, &frmLoadWebPage::onCancelled);
+    fitToScreen(*this);
 }
 
 frmLoadWebPage::~frmLoadWebPage() = default;

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScrollArea>
 #include <QWidget>
 
 namespace {
@@ -20,6 +21,21 @@ bool showsText(const QWidget* w)
            qobject_cast<const QComboBox*>(w) || qobject_cast<const QLineEdit*>(w);
 }
 
+// The size a control needs to show its text whole. A button's own size hint asks for the
+// width of a dialog button; a short caption such as "C" needs far less.
+QSize needed(const QWidget* w)
+{
+    QSize need = w->minimumSizeHint();
+    if (const auto* button = qobject_cast<const QAbstractButton*>(w)) {
+        const QSize text = button->fontMetrics().size(Qt::TextShowMnemonic, button->text());
+        const int icon = button->icon().isNull() ? 0 : button->iconSize().width() + 4;
+        need.setWidth(std::min(need.width(), text.width() + icon + 8));
+    }
+    if (const auto* label = qobject_cast<const QLabel*>(w); label && label->wordWrap())
+        need.setHeight(std::max(need.height(), label->heightForWidth(label->width())));
+    return need;
+}
+
 void check(const QWidget* parent, QStringList& problems)
 {
     QList<const QWidget*> shown;
@@ -32,14 +48,16 @@ void check(const QWidget* parent, QStringList& problems)
         if (w->objectName().startsWith(QLatin1String("qt_")))
             continue;
         shown << w;
-        // Containers are checked inside; a compound control's own parts are its business.
-        if (w->layout())
+        // Containers are checked inside; a scrolling page is checked as it is laid out.
+        if (const auto* area = qobject_cast<const QScrollArea*>(w); area && area->widget())
+            check(area->widget(), problems);
+        else if (w->layout())
             check(w, problems);
     }
     for (int i = 0; i < shown.size(); ++i) {
         const QWidget* a = shown.at(i);
         if (showsText(a)) {
-            const QSize need = a->minimumSizeHint();
+            const QSize need = needed(a);
             if (a->width() + 1 < need.width() || a->height() + 1 < need.height())
                 problems << QStringLiteral("%1 is %2x%3 but needs %4x%5")
                                 .arg(nameOf(a))
@@ -62,6 +80,8 @@ void check(const QWidget* parent, QStringList& problems)
 QStringList layoutProblems(const QWidget* root)
 {
     QStringList problems;
+    if (const auto* area = qobject_cast<const QScrollArea*>(root); area && area->widget())
+        root = area->widget();
     check(root, problems);
     return problems;
 }
