@@ -178,7 +178,7 @@ QString batchListingHelp()
         "opening a window.\n"
         "\n"
         "  --appdir DIR          application folder holding tb2.mdb (default: the program's\n"
-        "                        folder)\n"
+        "                        folder when it holds tb2.mdb, else the user's data folder)\n"
         "  --listing ID          the item's ID number in the item database\n"
         "  --theme NAME          theme to style the listing with (default: Default)\n"
         "  --themeset FILE       themeset file holding the theme (default: DIR/standard.tbt)\n"
