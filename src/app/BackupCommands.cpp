@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QProgressBar>
 #include <QProgressDialog>
 
 namespace BackupCommands {
@@ -37,7 +38,23 @@ public:
             return !m_dialog.wasCanceled();
         };
     }
-    void relabel(const QString& label) { m_dialog.setLabelText(label); }
+    // While pages go into the open connection nothing else may use it, so from here on no
+    // events are processed (no timer, no paint that reads items): the bar repaints itself and
+    // there is no Cancel.
+    BackupProgress sealedCallback(const QString& label)
+    {
+        m_dialog.setLabelText(label);
+        m_dialog.setCancelButton(nullptr);
+        m_dialog.repaint();
+        auto* bar = m_dialog.findChild<QProgressBar*>();
+        return [bar](int done, int total) {
+            if (bar) {
+                bar->setMaximum(std::max(total, 1));
+                bar->setValue(std::min(done, std::max(total, 1)));
+            }
+            return true;
+        };
+    }
 
 private:
     static QString tr(const char* text) { return QCoreApplication::translate("Backups", text); }
@@ -119,8 +136,8 @@ bool restoreBackup(AppContext& ctx, QWidget* owner, const std::function<void()>&
         Progress progress(owner, Texts::kBackingUp);
         outcome = backupDatabaseFile(ctx.state.databasePath, safetyCopy, progress.callback());
         if (outcome.ok()) {
-            progress.relabel(Texts::kRestoring);
-            outcome = restoreDatabaseFrom(ctx.itemDatabase, path, progress.callback());
+            outcome = restoreDatabaseFrom(ctx.itemDatabase, path,
+                                          progress.sealedCallback(Texts::kRestoring));
         }
     }
     if (outcome.cancelled)

@@ -253,6 +253,8 @@ void TestDatabaseBackup::restoreRefusesBadFile_data()
                                          << "is the database in use";
     QTest::newRow("missing") << "missing"
                              << "does not exist";
+    QTest::newRow("cancelled half-way") << "cancel"
+                                        << "";
 }
 
 void TestDatabaseBackup::restoreRefusesBadFile()
@@ -268,9 +270,28 @@ void TestDatabaseBackup::restoreRefusesBadFile()
         writeAll(file, {});
     else if (kind == QLatin1String("live"))
         file = env.path(QStringLiteral("tb2.mdb"));
-    const BackupOutcome outcome = restoreDatabaseFrom(env.context().itemDatabase, file);
+    int steps = 0;
+    if (kind == QLatin1String("cancel")) {
+        // A backup of three other items, spread over many pages.
+        QVERIFY(backupDatabaseFile(env.path(QStringLiteral("tb2.mdb")), file).ok());
+        const QString name = QStringLiteral("shrink");
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            db.setDatabaseName(file);
+            QVERIFY(db.open());
+            QSqlQuery q(db);
+            QVERIFY(q.exec(QStringLiteral("DELETE FROM Items WHERE ID > 3")));
+            QVERIFY(q.exec(QStringLiteral("UPDATE Items SET Description = zeroblob(50000)")));
+        }
+        QSqlDatabase::removeDatabase(name);
+    }
+    const BackupOutcome outcome = restoreDatabaseFrom(
+        env.context().itemDatabase, file, [&](int, int) { return ++steps < 3; }, 4);
     QFETCH(QString, expected);
     QVERIFY2(outcome.error.contains(expected), qPrintable(outcome.error));
+    QCOMPARE(outcome.cancelled, kind == QLatin1String("cancel"));
+    if (outcome.cancelled)
+        QCOMPARE(steps, 3);
     QCOMPARE(env.itemCount(), 12);
     QCOMPARE(env.storedValue(12, QStringLiteral("ShortDescription")).toString(),
              QStringLiteral("Item 12"));
