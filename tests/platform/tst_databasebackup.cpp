@@ -110,6 +110,7 @@ void TestDatabaseBackup::failureLeavesTarget_data()
     QTest::newRow("cancelled") << "cancel";
     QTest::newRow("no such database") << "source";
     QTest::newRow("folder not writable") << "folder";
+    QTest::newRow("target is a folder") << "taken";
 }
 
 void TestDatabaseBackup::failureLeavesTarget()
@@ -119,7 +120,14 @@ void TestDatabaseBackup::failureLeavesTarget()
     addLongItems(env, 100);
     QTemporaryDir out;
     const QString target = out.filePath(QStringLiteral("copy.mdb"));
-    writeAll(target, "an older copy");
+    const bool taken = failure == QLatin1String("taken");
+    if (taken) {
+        // Renaming the finished copy over it fails.
+        QVERIFY(QDir().mkpath(target));
+        writeAll(target + QStringLiteral("/keep"), "kept");
+    } else {
+        writeAll(target, "an older copy");
+    }
     QString source = env.path(QStringLiteral("tb2.mdb"));
     if (failure == QLatin1String("source"))
         source = env.path(QStringLiteral("gone.mdb"));
@@ -129,13 +137,18 @@ void TestDatabaseBackup::failureLeavesTarget()
         QFile::setPermissions(out.path(), QFile::ReadOwner | QFile::ExeOwner);
     }
     const BackupOutcome outcome = backupDatabaseFile(
-        source, target, [](int, int) { return false; }, 10);
+        source, target, [&](int, int) { return failure != QLatin1String("cancel"); }, 10);
     QFile::setPermissions(out.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QVERIFY(!outcome.ok());
     QCOMPARE(outcome.cancelled, failure == QLatin1String("cancel"));
     QCOMPARE(outcome.error.isEmpty(), failure == QLatin1String("cancel"));
-    QCOMPARE(readAll(target), QByteArray("an older copy"));
-    QCOMPARE(filesIn(out.path()), QStringList{QStringLiteral("copy.mdb")});
+    if (taken) {
+        QCOMPARE(readAll(target + QStringLiteral("/keep")), QByteArray("kept"));
+        QCOMPARE(filesIn(out.path()), QStringList{});
+    } else {
+        QCOMPARE(readAll(target), QByteArray("an older copy"));
+        QCOMPARE(filesIn(out.path()), QStringList{QStringLiteral("copy.mdb")});
+    }
 }
 
 void TestDatabaseBackup::checkFile_data()
