@@ -1,6 +1,7 @@
 #include "app/Launcher.h"
 
 #include "app/AppFolder.h"
+#include "app/Backups.h"
 #include "app/Startup.h"
 #include "app/frmItems.h"
 #include "app/frmSplash.h"
@@ -96,6 +97,19 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     frmSplash splash;
     splash.show();
     QCoreApplication::processEvents();
+
+    // A copy of the items at most a day old, taken before this run can change them; the
+    // splash stays painted while a large database is copied.
+    const Backups::StartupResult backup = Backups::backUpIfDue(
+        appPath, databasePath, Backups::keptCount(m_store), QDateTime::currentDateTime(),
+        [](int, int) {
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+            return true;
+        });
+    if (!backup.error.isEmpty())
+        m_prompts.message(
+            Texts::startupBackupFailed(appPath + u'/' + Backups::kFolder, backup.error),
+            Texts::kErrorTitle, PromptIcon::Exclamation);
 
     state.options = OptionsRecord::load(m_store);
     m_window = std::make_unique<frmItems>(*m_context, screenPixels);

@@ -3,6 +3,7 @@
 #include "aftersale/frmCleanup.h"
 #include "aftersale/frmEndingAuction.h"
 #include "aftersale/frmNote.h"
+#include "app/BackupCommands.h"
 #include "app/Module1.h"
 #include "app/Startup.h"
 #include "app/frmFind.h"
@@ -139,6 +140,34 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
     buildToolbar();
     bindFields();
     connectCommands();
+
+    // Backups of tb2.mdb: two File commands above Exit's separator. What was typed into the
+    // current item is written first, so it is part of the copy.
+    {
+        auto* backUp = new QAction(Texts::kBackUpNowMenu, this);
+        backUp->setObjectName(QStringLiteral("mnuBackUpNow"));
+        auto* restore = new QAction(Texts::kRestoreBackupMenu, this);
+        restore->setObjectName(QStringLiteral("mnuRestoreBackup"));
+        const QList<QAction*> file = ui->mnuFile->actions();
+        const qsizetype exit = file.indexOf(ui->mnuExit);
+        QAction* before =
+            exit > 0 && file.at(exit - 1)->isSeparator() ? file.at(exit - 1) : ui->mnuExit;
+        ui->mnuFile->insertActions(before, {backUp, restore});
+        connect(backUp, &QAction::triggered, this, [this] {
+            Data1->update();
+            BackupCommands::backUpNow(m_ctx, this);
+        });
+        connect(restore, &QAction::triggered, this, [this] {
+            Data1->update();
+            // The rows Data1 held are gone: read the restored ones before the view's own
+            // leave rules run, so nothing of the old current item is written into them.
+            BackupCommands::restoreBackup(m_ctx, this, [this] {
+                Data1->refresh();
+                if (m_view != View::None)
+                    openView(m_view);
+            });
+        });
+    }
 
     m_timePanel = new QLabel(this);
     m_timePanel->setObjectName(QStringLiteral("Time"));

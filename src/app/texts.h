@@ -24,6 +24,50 @@ inline const QString kDeleteAsk = QStringLiteral(
 inline const QString kDeleteTitle = QStringLiteral("Deleting Auction");
 inline const QString kDeleteLast = QStringLiteral("You cannot delete the last item.");
 
+// Backups of tb2.mdb (File menu and start-up).
+inline const QString kBackUpNowMenu = QStringLiteral("Back Up Now\u2026");
+inline const QString kRestoreBackupMenu = QStringLiteral("Restore from Backup\u2026");
+inline const QString kBackupTitle = QStringLiteral("Back Up Now");
+inline const QString kRestoreTitle = QStringLiteral("Restore from Backup");
+inline const QString kBackupFilter =
+    QStringLiteral("Tallybid Databases (*.mdb)|*.mdb|All Files (*.*)|*.*");
+inline const QString kBackingUp = QStringLiteral("Backing up your items\u2026");
+inline const QString kRestoring = QStringLiteral("Restoring your items\u2026");
+inline const QString kBackupIsLive =
+    QStringLiteral("That file is the database Tallybid is using. Please choose another name.");
+inline QString backupMade(const QString& path)
+{
+    return QStringLiteral("Your items were backed up to\n%1").arg(path);
+}
+inline QString backupFailed(const QString& reason)
+{
+    return QStringLiteral("The backup could not be made: %1\n\nYour items are unchanged.")
+        .arg(reason);
+}
+inline QString startupBackupFailed(const QString& folder, const QString& reason)
+{
+    return QStringLiteral("Tallybid could not back up your items into %1: %2\n\nYour items are "
+                          "unchanged; Tallybid tries again at its next start.")
+        .arg(folder, reason);
+}
+inline QString restoreAsk(const QString& path, qint64 count, const QString& folder)
+{
+    return QStringLiteral("Replace all your items with the %1 items of\n%2?\n\nThe items you "
+                          "have now are backed up first into %3.")
+        .arg(count)
+        .arg(path, folder);
+}
+inline QString restoreRefused(const QString& problem)
+{
+    return problem + QStringLiteral("\n\nNothing was restored; your items are unchanged.");
+}
+inline QString restoreDone(qint64 count, const QString& safetyCopy)
+{
+    return QStringLiteral("%1 items were restored. The items you had before are in\n%2")
+        .arg(count)
+        .arg(safetyCopy);
+}
+
 inline const QString kEbayIdDigits = QStringLiteral(
     "eBayID's can only have numbers in them. This field should be filled with the unique number "
     "eBay assigns your auction.");

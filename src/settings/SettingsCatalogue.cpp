@@ -93,6 +93,8 @@ QList<SettingDef> buildCatalogue()
         {o, QStringLiteral("ProxyServer"), T::Text, {}},
         {o, QStringLiteral("ProxyPort"), T::Text, QStringLiteral("80")},
         {o, QStringLiteral("DaylightDiff"), T::Integer, QStringLiteral("0")},
+        // dated backups of tb2.mdb kept in Backups/; below 1, none is made at start
+        {o, QStringLiteral("BackupsKept"), T::Integer, QStringLiteral("7")},
         // window and clean-up state
         {o, QStringLiteral("MainFormHeight"), T::Single, {}},
         {o, QStringLiteral("MainFormWidth"), T::Single, QStringLiteral("11800")},
