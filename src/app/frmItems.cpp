@@ -4,6 +4,7 @@
 #include "aftersale/frmEndingAuction.h"
 #include "aftersale/frmNote.h"
 #include "app/BackupCommands.h"
+#include "app/ItemListPanel.h"
 #include "app/Module1.h"
 #include "app/Startup.h"
 #include "app/frmFind.h"
@@ -202,6 +203,14 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
     if (rule.hideViewButtons)
         for (const char* key : {"All", "Open", "Closed", "Find"})
             m_toolButtons.value(QString::fromLatin1(key))->setVisible(false);
+
+    // The item list beside the item: choosing a row moves Data1 there as Find does.
+    m_itemList = ItemListPanel::dockInto(*this, *ui->mnuView, *Data1, m_ctx.store);
+    connect(m_itemList, &ItemListPanel::itemChosen, this, [this](qint64 key) {
+        Data1->setBookmark(key);
+        ui->txtCurItem->setText(QString::number(Data1->absolutePosition() + 1));
+        UpdateNavigation();
+    });
 
     // Upload and listing stay off until an item says they can work.
     setCommand(QStringLiteral("Upload"), ui->mnuUpload, false);

@@ -21,6 +21,7 @@ struct AppContext;
 struct ListingResult;
 struct ComposedNote;
 class frmFind;
+class ItemListPanel;
 class frmAdStudio;
 class frmEndingAuction;
 
@@ -145,6 +146,7 @@ private:
     QTimer* DateTimeTimer = nullptr;
     frmFind* m_find = nullptr;
     frmAdStudio* m_adStudio = nullptr;
+    ItemListPanel* m_itemList = nullptr;
     View m_view = View::None;
     bool m_remote = false;
     bool m_unloading = false;

@@ -54,6 +54,7 @@ public:
     explicit RecordSet(QSqlDatabase database, QObject* parent = nullptr);
 
     void setDatabase(QSqlDatabase database) { m_db = std::move(database); }
+    QSqlDatabase database() const { return m_db; }
     void setRecordSource(const QString& source) { m_source = source; }
     QString recordSource() const { return m_source; }
     void setBinding(RecordBinding* binding) { m_binding = binding; }
@@ -78,6 +79,8 @@ public:
     qint64 bookmark() const { return hasCurrent() ? m_ids.at(m_pos) : -1; }
     void setBookmark(qint64 bookmark);
     QStringList columns() const { return m_columns; }
+    // The keys of every row in view order.
+    const QList<qint64>& keys() const { return m_ids; }
 
     void moveFirst();
     void movePrevious();

@@ -1,0 +1,270 @@
+#include "ItemListModel.h"
+
+#include "ItemColumns.h"
+#include "ItemSql.h"
+#include "platform/Database.h"
+
+#include <QSet>
+#include <QSqlQuery>
+#include <QStringList>
+#include <QThread>
+
+namespace {
+
+struct ColumnDef
+{
+    const char* name;
+    const char* header;
+};
+constexpr ColumnDef kColumns[ItemListModel::ColumnCount] = {
+    {"ID", "ID"},
+    {"EbayID", "eBay Number"},
+    {"ShortDescription", "Short Description"},
+    {"Active", "Active"},
+    {"LastPrice", "Last Price"},
+    {"SalePrice", "Sale Price"},
+    {"DateAuctionEnds", "Auction Ends"},
+    {"BuyerName", "Buyer"},
+};
+
+QString columnName(int column)
+{
+    return QString::fromLatin1(kColumns[column].name);
+}
+
+// The typed text as a LIKE pattern matching it anywhere: the pattern's own characters are
+// taken literally.
+QString containsPattern(const QString& text)
+{
+    QString out = QStringLiteral("*");
+    for (const QChar c : text) {
+        if (c == u'[' || c == u'*' || c == u'?' || c == u'#')
+            out += u'[' + QString(c) + u']';
+        else
+            out += c;
+    }
+    return out + u'*';
+}
+
+// Runs a key query on a connection of the calling thread to the same file.
+IdScan scanOnOwnConnection(const QString& file, const QString& options, const QString& sql,
+                           const QVariantList& values)
+{
+    const QString name = QStringLiteral("itemlist-%1").arg(quintptr(QThread::currentThreadId()));
+    IdScan scan;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(file);
+        db.setConnectOptions(options);
+        if (!db.open() || !installJetLike(db))
+            scan.error = QStringLiteral("the item database could not be opened");
+        else
+            scan = scanIds(db, sql, values);
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    return scan;
+}
+
+} // namespace
+
+ItemListModel::ItemListModel(QSqlDatabase database, QObject* parent)
+    : QAbstractTableModel(parent), m_db(std::move(database))
+{
+    // One query at a time: a newer one makes the waiting ones pointless.
+    m_worker.setMaxThreadCount(1);
+}
+
+ItemListModel::~ItemListModel()
+{
+    m_latest->store(~quint64(0));
+    m_worker.waitForDone();
+}
+
+QString ItemListModel::viewCondition(const QString& recordSource)
+{
+    if (recordSource == ItemSql::kActiveView)
+        return QStringLiteral("Active <> 0");
+    if (recordSource == ItemSql::kInactiveView)
+        return QStringLiteral("Active = 0");
+    return QStringLiteral("1");
+}
+
+void ItemListModel::setView(const QList<qint64>& keys, const QString& condition)
+{
+    m_viewKeys = keys;
+    m_condition = condition;
+    m_cache.clear(); // a new view may be new rows altogether (a restored backup)
+    requery();
+}
+
+void ItemListModel::setFilterText(const QString& text)
+{
+    if (text == m_filter)
+        return;
+    m_filter = text;
+    requery();
+}
+
+void ItemListModel::sort(int column, Qt::SortOrder order)
+{
+    m_sortColumn = column >= 0 && column < ColumnCount ? column : -1;
+    m_sortOrder = order;
+    requery();
+}
+
+ItemListModel::Query ItemListModel::keyQuery() const
+{
+    Query q;
+    q.sql = QLatin1String("SELECT ID FROM Items WHERE (") + m_condition + u')';
+    if (!m_filter.isEmpty()) {
+        QStringList any;
+        for (const char* c :
+             {"EbayID", "ShortDescription", "Description", "BuyerName", "BuyerEmail"})
+            any << QLatin1String(c) + QLatin1String(" LIKE ?1");
+        q.sql += QLatin1String(" AND (") + any.join(QLatin1String(" OR ")) + u')';
+        q.values << containsPattern(m_filter);
+    }
+    if (m_sortColumn < 0) {
+        q.inViewOrder = true;
+    } else {
+        const QLatin1String dir(m_sortOrder == Qt::DescendingOrder ? " DESC" : "");
+        q.sql += QLatin1String(" ORDER BY ") + columnName(m_sortColumn) + dir;
+        if (m_sortColumn != Id)
+            q.sql += QLatin1String(", ID") + dir;
+    }
+    return q;
+}
+
+void ItemListModel::requery()
+{
+    const quint64 ticket = ++*m_latest;
+    if (m_filter.isEmpty() && m_sortColumn < 0) {
+        m_pending = 0;
+        applyKeys(m_viewKeys, false);
+        return;
+    }
+    const Query q = keyQuery();
+    const QString file = m_db.databaseName();
+    if (file.isEmpty() || file == QLatin1String(":memory:")) {
+        // No file a second connection could open: the query runs here.
+        m_pending = 0;
+        applyKeys(scanIds(m_db, q.sql, q.values).ids, q.inViewOrder);
+        return;
+    }
+    ++m_pending;
+    const QString options = m_db.connectOptions();
+    const std::shared_ptr<std::atomic<quint64>> latest = m_latest;
+    m_worker.start([this, latest, ticket, file, options, q] {
+        if (latest->load() != ticket)
+            return;
+        IdScan scan = scanOnOwnConnection(file, options, q.sql, q.values);
+        QMetaObject::invokeMethod(this, [this, ticket, q, ids = std::move(scan.ids)]() mutable {
+            m_pending = std::max(0, m_pending - 1);
+            if (m_latest->load() == ticket) {
+                m_pending = 0;
+                applyKeys(std::move(ids), q.inViewOrder);
+            }
+        });
+    });
+}
+
+void ItemListModel::applyKeys(QList<qint64> keys, bool inViewOrder)
+{
+    if (inViewOrder) {
+        // The matches as a set, shown in the order the view has them.
+        const QSet<qint64> matched(keys.cbegin(), keys.cend());
+        keys.clear();
+        for (const qint64 key : std::as_const(m_viewKeys))
+            if (matched.contains(key))
+                keys << key;
+    }
+    beginResetModel();
+    m_keys = std::move(keys);
+    endResetModel();
+    emit keysApplied();
+}
+
+void ItemListModel::forgetItem(qint64 key)
+{
+    if (!m_cache.remove(key))
+        return;
+    const int row = rowOf(key);
+    if (row >= 0)
+        emit dataChanged(index(row, 0), index(row, ColumnCount - 1));
+}
+
+const QVariantList* ItemListModel::rowValues(int row) const
+{
+    const qint64 key = keyAt(row);
+    if (auto it = m_cache.constFind(key); it != m_cache.cend())
+        return &*it;
+    if (m_cache.size() + kBlockRows > kCacheRows)
+        m_cache.clear();
+    // The block around the row: a list scrolls on, so its neighbours come next.
+    const int first = row - row % kBlockRows;
+    const int last = std::min(int(m_keys.size()), first + kBlockRows);
+    QStringList keys;
+    for (int r = first; r < last; ++r)
+        if (!m_cache.contains(m_keys.at(r)))
+            keys << QString::number(m_keys.at(r));
+    QStringList columns;
+    for (const ColumnDef& c : kColumns)
+        columns << QLatin1String(c.name);
+    QSqlQuery query(m_db);
+    query.setForwardOnly(true);
+    if (query.exec(QLatin1String("SELECT ") + columns.join(u',') +
+                   QLatin1String(" FROM Items WHERE ID IN (") + keys.join(u',') + u')')) {
+        while (query.next()) {
+            QVariantList values;
+            values.reserve(ColumnCount);
+            for (int c = 0; c < ColumnCount; ++c)
+                values << query.value(c);
+            m_cache.insert(query.value(0).toLongLong(), values);
+            ++m_rowsRead;
+        }
+    }
+    // A key no longer in the table shows as an empty row rather than being asked for again.
+    if (!m_cache.contains(key))
+        m_cache.insert(key, QVariantList(ColumnCount));
+    return &*m_cache.constFind(key);
+}
+
+int ItemListModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : int(m_keys.size());
+}
+
+int ItemListModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant ItemListModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_keys.size())
+        return {};
+    if (role == Qt::TextAlignmentRole) {
+        const int c = index.column();
+        return c == Id || c == LastPrice || c == SalePrice
+                   ? QVariant(Qt::AlignRight | Qt::AlignVCenter)
+                   : QVariant();
+    }
+    if (role != Qt::DisplayRole)
+        return {};
+    if (index.column() == Id)
+        return QString::number(keyAt(index.row()));
+    const QVariant& stored = rowValues(index.row())->at(index.column());
+    if (index.column() == Active)
+        return stored.isNull() ? QString() : stored.toBool() ? tr("Yes") : tr("No");
+    const QString name = columnName(index.column());
+    return ItemColumns::toText(ItemColumns::kind(name), stored);
+}
+
+QVariant ItemListModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
+        section >= ColumnCount)
+        return QAbstractTableModel::headerData(section, orientation, role);
+    return tr(kColumns[section].header);
+}
