@@ -1,0 +1,197 @@
+// The item list's model over a few hundred items: rows read only when shown, sorting and
+// searching by asking SQLite for keys, the view's order kept.
+#include "../support/TestEnvironment.h"
+#include "db/ItemListModel.h"
+#include "db/ItemSql.h"
+#include "db/RecordSet.h"
+
+#include <QSignalSpy>
+#include <QSqlQuery>
+#include <QtTest>
+
+namespace {
+
+QString cell(const ItemListModel& m, int row, int column)
+{
+    return m.data(m.index(row, column)).toString();
+}
+
+// Waits for a sort or search handed to the worker.
+bool settle(ItemListModel& m)
+{
+    QSignalSpy applied(&m, &ItemListModel::keysApplied);
+    return !m.isBusy() || applied.wait(5000);
+}
+
+} // namespace
+
+class TestItemListModel : public QObject
+{
+    Q_OBJECT
+    std::unique_ptr<TestEnvironment> m_env;
+    std::unique_ptr<RecordSet> m_records;
+    std::unique_ptr<ItemListModel> m_model;
+
+    void open(const QString& source)
+    {
+        m_records = std::make_unique<RecordSet>(m_env->context().itemDatabase);
+        m_records->setRecordSource(source);
+        m_records->refresh();
+        m_model = std::make_unique<ItemListModel>(m_env->context().itemDatabase);
+        m_model->setView(m_records->keys(), ItemListModel::viewCondition(source));
+    }
+
+private slots:
+    void init()
+    {
+        m_env = std::make_unique<TestEnvironment>();
+        // 300 numbered items (every third inactive) and a few with text to search.
+        m_env->addNumberedItems(300);
+        m_env->addItems({
+            {{"ShortDescription", QString::fromUtf8("Ölgemälde, gerahmt")}, {"Active", true}},
+            {{"ShortDescription", "Lamp"},
+             {"Description", QString::fromUtf8("Brass, ÉTÉ 1950")},
+             {"Active", false}},
+            {{"ShortDescription", "Vase"},
+             {"BuyerName", "Ann Smith"},
+             {"BuyerEmail", "ann@example.org"}},
+            {{"ShortDescription", "Box [new] 50*"}, {"EbayID", "1234567"}},
+        });
+    }
+    void cleanup()
+    {
+        m_model.reset();
+        m_records.reset();
+        m_env.reset();
+    }
+
+    // Showing a row reads its block only; the last row does not read the ones before it.
+    void readsOnlyTheRowsShown()
+    {
+        open(ItemSql::kAllView);
+        QCOMPARE(m_model->rowCount(), 304);
+        QCOMPARE(m_model->rowsRead(), 0);
+        QCOMPARE(cell(*m_model, 303, ItemListModel::Title), QStringLiteral("Box [new] 50*"));
+        QVERIFY(m_model->rowsRead() <= ItemListModel::kBlockRows);
+        const qint64 read = m_model->rowsRead();
+        QCOMPARE(cell(*m_model, 290, ItemListModel::Title), QStringLiteral("Item 291"));
+        QCOMPARE(m_model->rowsRead(), read); // the same block
+        QCOMPARE(cell(*m_model, 0, ItemListModel::Title), QStringLiteral("Item 1"));
+        QVERIFY(m_model->rowsRead() <= 2 * ItemListModel::kBlockRows);
+    }
+
+    // What was stored after a row was read shows once the item is forgotten.
+    void forgottenItemIsReadAgain()
+    {
+        open(ItemSql::kAllView);
+        QCOMPARE(cell(*m_model, 4, ItemListModel::Title), QStringLiteral("Item 5"));
+        QSqlQuery(m_env->context().itemDatabase)
+            .exec(QStringLiteral("UPDATE Items SET ShortDescription = 'Jug' WHERE ID = %1")
+                      .arg(m_model->keyAt(4)));
+        QCOMPARE(cell(*m_model, 4, ItemListModel::Title), QStringLiteral("Item 5"));
+        m_model->forgetItem(m_model->keyAt(4));
+        QCOMPARE(cell(*m_model, 4, ItemListModel::Title), QStringLiteral("Jug"));
+    }
+
+    void sorts_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<Qt::SortOrder>("order");
+        QTest::addColumn<QStringList>("firstTitles");
+        QTest::addColumn<int>("rows");
+        const QString all = ItemSql::kAllView;
+        QTest::newRow("title up") << all << int(ItemListModel::Title) << Qt::AscendingOrder
+                                  << QStringList{"Box [new] 50*", "Item 1", "Item 10", "Item 100"}
+                                  << 304;
+        QTest::newRow("title down")
+            << all << int(ItemListModel::Title) << Qt::DescendingOrder
+            << QStringList{QString::fromUtf8("Ölgemälde, gerahmt"), "Vase", "Lamp", "Item 99"}
+            << 304;
+        QTest::newRow("ID down, inactive view")
+            << QString(ItemSql::kInactiveView) << int(ItemListModel::Id) << Qt::DescendingOrder
+            << QStringList{"Lamp", "Item 300", "Item 297"} << 101;
+        QTest::newRow("buyer down, ties by ID")
+            << all << int(ItemListModel::Buyer) << Qt::DescendingOrder
+            << QStringList{"Vase", "Box [new] 50*", "Lamp"} << 304;
+    }
+    void sorts()
+    {
+        QFETCH(QString, source);
+        QFETCH(int, column);
+        QFETCH(Qt::SortOrder, order);
+        QFETCH(QStringList, firstTitles);
+        QFETCH(int, rows);
+        open(source);
+        const QList<qint64> viewKeys = m_records->keys();
+        m_model->sort(column, order);
+        QVERIFY(settle(*m_model));
+        QCOMPARE(m_model->rowCount(), rows);
+        QStringList titles;
+        for (int r = 0; r < firstTitles.size(); ++r)
+            titles << cell(*m_model, r, ItemListModel::Title);
+        QCOMPARE(titles, firstTitles);
+        QCOMPARE(m_records->keys(), viewKeys);
+        // Back to the view's own order.
+        m_model->sort(-1);
+        QVERIFY(settle(*m_model));
+        QCOMPARE(m_model->keyAt(0), viewKeys.first());
+    }
+
+    void searches_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("titles");
+        const QString all = ItemSql::kAllView;
+        QTest::newRow("non-ASCII title, other case")
+            << all << QString::fromUtf8("ölGEMÄ") << QStringList{"Ölgemälde, gerahmt"};
+        QTest::newRow("description text") << all << QString::fromUtf8("été") << QStringList{"Lamp"};
+        QTest::newRow("buyer e-mail") << all << "EXAMPLE.ORG" << QStringList{"Vase"};
+        QTest::newRow("buyer name") << all << "ann s" << QStringList{"Vase"};
+        QTest::newRow("eBay number") << all << "4567" << QStringList{"Box [new] 50*"};
+        QTest::newRow("pattern characters are literal")
+            << all << "[new] 50*" << QStringList{"Box [new] 50*"};
+        QTest::newRow("star alone matches only a star")
+            << all << "*" << QStringList{"Box [new] 50*"};
+        QTest::newRow("in view order")
+            << all << "item 29"
+            << QStringList{"Item 29",  "Item 290", "Item 291", "Item 292", "Item 293", "Item 294",
+                           "Item 295", "Item 296", "Item 297", "Item 298", "Item 299"};
+        QTest::newRow("only the view's rows")
+            << QString(ItemSql::kActiveView) << "item 29"
+            << QStringList{"Item 29",  "Item 290", "Item 292", "Item 293",
+                           "Item 295", "Item 296", "Item 298", "Item 299"};
+        QTest::newRow("nothing") << all << "zebra" << QStringList{};
+    }
+    void searches()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, text);
+        QFETCH(QStringList, titles);
+        open(source);
+        m_model->setFilterText(text);
+        QVERIFY(settle(*m_model));
+        QStringList shown;
+        for (int r = 0; r < m_model->rowCount(); ++r)
+            shown << cell(*m_model, r, ItemListModel::Title);
+        QCOMPARE(shown, titles);
+        m_model->setFilterText(QString());
+        QCOMPARE(m_model->rowCount(), m_records->recordCount());
+    }
+
+    // Searching a sorted list keeps the sort.
+    void searchKeepsSort()
+    {
+        open(ItemSql::kAllView);
+        m_model->sort(ItemListModel::Id, Qt::DescendingOrder);
+        m_model->setFilterText(QStringLiteral("item 1"));
+        QVERIFY(settle(*m_model));
+        QCOMPARE(cell(*m_model, 0, ItemListModel::Title), QStringLiteral("Item 199"));
+        QCOMPARE(cell(*m_model, m_model->rowCount() - 1, ItemListModel::Title),
+                 QStringLiteral("Item 1"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestItemListModel)
+#include "tst_itemlistmodel.moc"
