@@ -13,6 +13,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QTableView>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -63,6 +64,7 @@ ItemListPanel::ItemListPanel(RecordSet& records, SettingsStore& store, QWidget* 
         if (const int w = widths.at(c).toInt(); w > 0)
             header->resizeSection(c, w);
     m_columnWidths = widths.join(u',');
+    m_width = store.get(Settings::kApp, Settings::kSystem, kWidthKey).toInt();
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
@@ -123,16 +125,22 @@ ItemListPanel* ItemListPanel::dockInto(QMainWindow& window, QMenu& viewMenu, Rec
     const int room = window.width() - window.centralWidget()->minimumSizeHint().width();
     const bool fits = room >= dock->minimumSizeHint().width();
     dock->setVisible(fits && store.getBool(Settings::kApp, Settings::kSystem, kVisibleKey, true));
+    // A dock shown again comes back with its own width rather than its size hint.
+    const auto restoreWidth = [&window, dock, panel] {
+        window.resizeDocks({dock}, {panel->m_width > 0 ? panel->m_width : kDefaultWidth},
+                           Qt::Horizontal);
+    };
     // Only the user's showing and hiding is kept, not the window closing.
-    connect(toggle, &QAction::triggered, panel, [&store](bool shown) {
+    connect(toggle, &QAction::triggered, panel, [&store, panel, restoreWidth](bool shown) {
         store.saveBool(Settings::kApp, Settings::kSystem, kVisibleKey, shown);
+        if (shown)
+            QTimer::singleShot(0, panel, restoreWidth);
     });
     connect(dock, &QDockWidget::visibilityChanged, panel, [dock](bool shown) {
         if (!shown && dock->isHidden())
             dock->toggleViewAction()->setChecked(false);
     });
-    const int width = store.get(Settings::kApp, Settings::kSystem, kWidthKey).toInt();
-    window.resizeDocks({dock}, {width > 0 ? width : kDefaultWidth}, Qt::Horizontal);
+    restoreWidth();
     return panel;
 }
 
@@ -168,8 +176,9 @@ bool ItemListPanel::eventFilter(QObject* watched, QEvent* event)
 void ItemListPanel::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
+    // The dock's width, which is what the window is asked for again.
     if (isVisible())
-        m_width = width();
+        m_width = parentWidget() ? parentWidget()->width() : width();
 }
 
 void ItemListPanel::followRecords()
