@@ -70,13 +70,17 @@ public:
 signals:
     void keysApplied();
 
-private:
+public:
+    // A key query as handed to the worker.
     struct Query
     {
         QString sql;
         QVariantList values;
+        QString index;            // made first when missing: what makes the sort fast
         bool inViewOrder = false; // the result is a set; the view's order is kept
     };
+
+private:
     Query keyQuery() const;
     void requery();
     void applyKeys(QList<qint64> keys, bool inViewOrder);
