@@ -100,7 +100,7 @@ ItemListModel::~ItemListModel()
 QString ItemListModel::viewCondition(const QString& recordSource)
 {
     if (recordSource == ItemSql::kActiveView)
-        return QStringLiteral("Active <> 0");
+        return QStringLiteral("Active = 1"); // as the view reads "Active = Yes"
     if (recordSource == ItemSql::kInactiveView)
         return QStringLiteral("Active = 0");
     return QStringLiteral("1");
