@@ -163,6 +163,29 @@ private slots:
         QCOMPARE(selectedRow(w), 19);
     }
 
+    void narrowWindowStartsWithoutIt_data()
+    {
+        QTest::addColumn<QSize>("screen");
+        QTest::addColumn<bool>("shown");
+        QTest::newRow("640x480") << QSize(640, 480) << false;
+        QTest::newRow("1280x1024") << QSize(1280, 1024) << true;
+    }
+    // The item keeps all of a narrow window; the user's choice is not overwritten by it.
+    void narrowWindowStartsWithoutIt()
+    {
+        QFETCH(QSize, screen);
+        QFETCH(bool, shown);
+        TestEnvironment env;
+        env.addNumberedItems(3);
+        ItemWindow w(env, screen);
+        QCOMPARE(w.child<QDockWidget>(QStringLiteral("dockItemList"))->isVisible(), shown);
+        QCOMPARE(w.menu(QStringLiteral("mnuViewItemList"))->isChecked(), shown);
+        QVERIFY(env.store()
+                    .get(QStringLiteral("Tallybid"), QStringLiteral("System"),
+                         QStringLiteral("ItemListVisible"))
+                    .isEmpty());
+    }
+
     // Hidden, its column widths and its width come back in a new window.
     void settingsAreRemembered()
     {
