@@ -285,7 +285,8 @@ ImportPlan planImport(QStringView input)
         if (column == QLatin1String("ID"))
             continue; // imports add new items; their keys are the table's to give
         if (column.isEmpty() || plan.columns.contains(column)) {
-            plan.unknownColumns << name;
+            if (!name.isEmpty()) // a trailing separator names nothing worth listing
+                plan.unknownColumns << name;
             continue;
         }
         plan.columns << column;

@@ -262,7 +262,7 @@ void TestItemCsv::plan_data()
         << QStringList{"ShortDescription", "Cost", "Active"} << QStringList{} << 1 << QStringList{}
         << "";
     QTest::newRow("unknown columns and ID skipped")
-        << QByteArray("ID,Colour,EbayID,Weight,EbayID\n7,red,123,2kg,456\n")
+        << QByteArray("ID,Colour,EbayID,Weight,EbayID,\n7,red,123,2kg,456,\n")
         << QStringList{"EbayID"} << QStringList{"Colour", "Weight", "EbayID"} << 1 << QStringList{}
         << "";
     QTest::newRow("bad rows with reasons")
