@@ -4,6 +4,7 @@
 #include "aftersale/frmEndingAuction.h"
 #include "aftersale/frmNote.h"
 #include "app/BackupCommands.h"
+#include "app/CsvCommands.h"
 #include "app/ItemListPanel.h"
 #include "app/Module1.h"
 #include "app/Startup.h"
@@ -168,6 +169,18 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
                     openView(m_view);
             });
         });
+    }
+    // CSV export and import: two File commands beside the backup ones.
+    {
+        auto* exportItems = new QAction(Texts::kExportItemsMenu, this);
+        exportItems->setObjectName(QStringLiteral("mnuExportItems"));
+        auto* importItems = new QAction(Texts::kImportItemsMenu, this);
+        importItems->setObjectName(QStringLiteral("mnuImportItems"));
+        // Above the backup commands, which keep their place next to Exit's separator.
+        auto* backUp = findChild<QAction*>(QStringLiteral("mnuBackUpNow"));
+        ui->mnuFile->insertActions(backUp ? backUp : ui->mnuExit, {exportItems, importItems});
+        connect(exportItems, &QAction::triggered, this, &frmItems::mnuExportItems_Click);
+        connect(importItems, &QAction::triggered, this, &frmItems::mnuImportItems_Click);
     }
 
     m_timePanel = new QLabel(this);
@@ -1162,4 +1175,19 @@ void frmItems::closeEvent(QCloseEvent* event)
     for (QWidget* w : QApplication::topLevelWidgets())
         if (w != this && w->isVisible())
             w->close();
+}
+
+// ---------------------------------------------------------------- CSV export and import
+
+void frmItems::mnuExportItems_Click()
+{
+    Data1->update(); // what was typed into the current item goes into the file
+    CsvCommands::exportItems(m_ctx, this, Data1->keys());
+}
+
+void frmItems::mnuImportItems_Click()
+{
+    Data1->update();
+    if (CsvCommands::importItems(m_ctx, this) && m_view != View::None)
+        openView(m_view); // counters include the new items
 }

@@ -80,6 +80,8 @@ public:
     void mnuAllOpenRep_Click();
     void mnuEnding_Click();
     void mnuCleanup_Click();
+    void mnuExportItems_Click();
+    void mnuImportItems_Click();
     void cmdAdStudio_Click();
     void cmdFind_Click(int index);
     void UpdateNavigation();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 // Every text the item window, the find dialog and start-up show, exactly as the user sees it.
 namespace Texts {
@@ -118,6 +119,52 @@ inline const QString kSaveFailedTitle = QStringLiteral("Error");
 inline QString saveFailed(const QString& why)
 {
     return QLatin1String("The item could not be saved to tb2.mdb.\n\n") + why;
+}
+
+// CSV import and export of items (File menu).
+inline const QString kExportItemsMenu = QStringLiteral("Export Items\u2026");
+inline const QString kImportItemsMenu = QStringLiteral("Import Items\u2026");
+inline const QString kExportTitle = QStringLiteral("Export Items");
+inline const QString kImportTitle = QStringLiteral("Import Items");
+inline const QString kCsvFilter =
+    QStringLiteral("CSV Files (*.csv)|*.csv|Text Files (*.txt)|*.txt|All Files (*.*)|*.*");
+inline const QString kExporting = QStringLiteral("Exporting your items\u2026");
+inline const QString kImporting = QStringLiteral("Importing items\u2026");
+inline const QString kImportButton = QStringLiteral("&Import");
+inline const QString kPreviewCaption = QStringLiteral("First rows of the file:");
+inline const QString kProblemsCaption = QStringLiteral("Rows that cannot be read (skipped):");
+inline QString exportDone(qsizetype count, const QString& path)
+{
+    return QStringLiteral("%1 item(s) were exported to\n%2").arg(count).arg(path);
+}
+inline QString exportFailed(const QString& reason)
+{
+    return QStringLiteral("The items could not be exported: %1").arg(reason);
+}
+inline QString importRefused(const QString& reason)
+{
+    return QStringLiteral("This file cannot be imported. %1").arg(reason);
+}
+inline QString importSummary(const QString& file, int good, int bad)
+{
+    return QStringLiteral("%1: %2 row(s) can be imported as new items, %3 cannot be read and "
+                          "will be skipped.")
+        .arg(file)
+        .arg(good)
+        .arg(bad);
+}
+inline QString importUnknown(const QStringList& columns)
+{
+    return QStringLiteral("Columns not in the item table, skipped: %1")
+        .arg(columns.join(QStringLiteral(", ")));
+}
+inline QString importDone(qsizetype added, int skipped)
+{
+    return QStringLiteral("%1 item(s) were added, %2 row(s) were skipped.").arg(added).arg(skipped);
+}
+inline QString importFailed(const QString& reason)
+{
+    return QStringLiteral("The items could not be imported: %1\n\nNothing was added.").arg(reason);
 }
 
 } // namespace Texts

@@ -79,7 +79,7 @@ public:
     qint64 bookmark() const { return hasCurrent() ? m_ids.at(m_pos) : -1; }
     void setBookmark(qint64 bookmark);
     QStringList columns() const { return m_columns; }
-    // The keys of every row in view order.
+    // The row keys of the record source, in its order.
     const QList<qint64>& keys() const { return m_ids; }
 
     void moveFirst();

@@ -7,6 +7,7 @@
 #include "aftersale/frmEndingAuction.h"
 #include "aftersale/frmNote.h"
 #include "app/frmFind.h"
+#include "app/frmImport.h"
 #include "app/frmItems.h"
 #include "app/frmSplash.h"
 #include "app/frmTools.h"
@@ -119,6 +120,11 @@ void TestWindowFit::everyWindowFits_data()
     const auto row = [](const char* name, Factory make) { QTest::newRow(name) << make; };
     row("frmItems", [](AppContext& c) { return std::make_unique<frmItems>(c, QSize(1280, 1024)); });
     row("frmFind", [](AppContext& c) { return std::make_unique<frmFind>(c); });
+    row("frmImport", [](AppContext& c) {
+        return std::make_unique<frmImport>(
+            c, ItemCsv::planImport(u"ShortDescription,Cost,Colour\nLamp,1,red\nVase,ten,blue\n"),
+            QStringLiteral("items.csv"));
+    });
     row("frmOptions", [](AppContext& c) { return std::make_unique<frmOptions>(c); });
     row("frmAdStudio", [](AppContext& c) { return std::make_unique<frmAdStudio>(c); });
     row("frmFTP", [](AppContext& c) { return std::make_unique<frmFTP>(c); });
