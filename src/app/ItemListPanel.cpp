@@ -15,6 +15,7 @@
 #include <QTableView>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace {
 
@@ -43,7 +44,7 @@ ItemListPanel::ItemListPanel(RecordSet& records, SettingsStore& store, QWidget* 
     m_table->setObjectName(QStringLiteral("lvwItems"));
     m_table->setModel(m_model);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_table->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_table->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setWordWrap(false);
     m_table->setAlternatingRowColors(true);
@@ -90,8 +91,12 @@ ItemListPanel::ItemListPanel(RecordSet& records, SettingsStore& store, QWidget* 
                 if (m_selecting || !current.isValid())
                     return;
                 const qint64 key = m_model->keyAt(current.row());
-                if (key >= 0 && key != m_records.bookmark())
+                if (key >= 0 && key != m_records.bookmark()) {
+                    // The user's own selection stands (Ctrl and Shift add rows to it).
+                    m_choosing = true;
                     emit itemChosen(key);
+                    m_choosing = false;
+                }
             });
     connect(&m_records, &RecordSet::repositioned, this, &ItemListPanel::followRecords);
     followRecords();
@@ -152,6 +157,18 @@ void ItemListPanel::focusSearch()
     m_search->selectAll();
 }
 
+QList<qint64> ItemListPanel::selectedKeys() const
+{
+    QModelIndexList rows = m_table->selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end(),
+              [](const QModelIndex& a, const QModelIndex& b) { return a.row() < b.row(); });
+    QList<qint64> keys;
+    keys.reserve(rows.size());
+    for (const QModelIndex& row : std::as_const(rows))
+        keys << m_model->keyAt(row.row());
+    return keys;
+}
+
 bool ItemListPanel::eventFilter(QObject* watched, QEvent* event)
 {
     // Inside the list Ctrl+F goes to its search box; elsewhere the window's Find keeps it.
@@ -195,6 +212,8 @@ void ItemListPanel::selectCurrent()
 {
     const qint64 key = m_records.bookmark();
     m_shownKey = key;
+    if (m_choosing)
+        return;
     const int row = key >= 0 ? m_model->rowOf(key) : -1;
     m_selecting = true;
     if (row < 0) {

@@ -29,6 +29,9 @@ public:
     QTableView& table() const { return *m_table; }
     QLineEdit& searchBox() const { return *m_search; }
     void focusSearch();
+    // The keys of the selected rows in the list's order: what Export takes when there are two
+    // or more.
+    QList<qint64> selectedKeys() const;
 
 signals:
     void itemChosen(qint64 key);
@@ -48,6 +51,7 @@ private:
     QTableView* m_table;
     qint64 m_shownKey = -1; // the item the list last stood on
     bool m_selecting = false;
+    bool m_choosing = false; // the window is moving to the row the user chose
     int m_width = 0;
     QString m_columnWidths;
 };

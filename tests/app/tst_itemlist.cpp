@@ -100,6 +100,24 @@ private slots:
         QCOMPARE(selectedRow(w), 9);
     }
 
+    // Rows added to the choice with Ctrl, in the list's order, for Export.
+    void choosesSeveralRows()
+    {
+        TestEnvironment env;
+        const QList<qint64> ids = env.addNumberedItems(6);
+        ItemWindow w(env);
+        w->mnuAll_Click();
+        auto* panel = w.child<ItemListPanel>(QStringLiteral("ItemListPanel"));
+        clickRow(w, 4);
+        QCOMPARE(panel->selectedKeys(), QList<qint64>{ids.at(4)});
+        QTableView* t = table(w);
+        QTest::mouseClick(t->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                          t->visualRect(t->model()->index(1, 0)).center());
+        QCOMPARE(panel->selectedKeys(), (QList<qint64>{ids.at(1), ids.at(4)}));
+        w->mnuNext_Click();
+        QCOMPARE(panel->selectedKeys().size(), 1);
+    }
+
     // Leaving an item through the list writes what was typed, and the list shows it.
     void editsAreWrittenOnLeaving()
     {
