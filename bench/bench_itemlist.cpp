@@ -5,6 +5,7 @@
 // until the narrowed rows are shown.
 //
 //     bench_itemlist [--items 100000] [--data DIR] [--runs 5]
+#include "GeneratedItems.h"
 #include "db/ItemListModel.h"
 #include "db/ItemSql.h"
 #include "db/RecordSet.h"
@@ -48,19 +49,7 @@ double msOf(const std::function<void()>& work)
 
 QString makeDatabase(const QString& dataDir, int items)
 {
-    const QString folder = dataDir + QStringLiteral("/items-%1").arg(items);
-    const QString file = folder + QStringLiteral("/tb2.mdb");
-    if (QFileInfo::exists(file))
-        return file;
-    QDir().mkpath(folder);
-    std::printf("generating %d items...\n", items);
-    std::fflush(stdout);
-    const int rc = QProcess::execute(
-        QStringLiteral("/usr/bin/python3"),
-        {QStringLiteral(TALLYBID_SOURCE_DIR "/scripts/make-items"), QString::number(items), file});
-    if (rc != 0)
-        qFatal("scripts/make-items failed");
-    return file;
+    return generatedItemsFolder(dataDir, items) + QStringLiteral("/tb2.mdb");
 }
 
 // The reference: SQLite stepping through a statement and reading every column it yields.

@@ -5,6 +5,7 @@
 // its goal.
 //
 //     bench_scale [--sizes 1000,10000,100000] [--data DIR] [--runs 7]
+#include "GeneratedItems.h"
 #include "app/FindCriteria.h"
 #include "app/Launcher.h"
 #include "app/frmItems.h"
@@ -208,19 +209,7 @@ std::pair<double, long> runChild(const QStringList& arguments)
 
 QString makeDatabase(const QString& dataDir, int items)
 {
-    const QString folder = dataDir + QStringLiteral("/items-%1").arg(items);
-    const QString file = folder + QStringLiteral("/tb2.mdb");
-    if (QFileInfo::exists(file))
-        return folder;
-    QDir().mkpath(folder);
-    std::printf("generating %d items...\n", items);
-    std::fflush(stdout);
-    const int rc = QProcess::execute(
-        QStringLiteral("/usr/bin/python3"),
-        {QStringLiteral(TALLYBID_SOURCE_DIR "/scripts/make-items"), QString::number(items), file});
-    if (rc != 0)
-        qFatal("scripts/make-items failed");
-    return folder;
+    return generatedItemsFolder(dataDir, items);
 }
 
 void measureStartup(const QString& folder, int items, int runs, bool judged)
