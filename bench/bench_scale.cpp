@@ -81,8 +81,9 @@ void report(int items, const QString& operation, std::pair<double, double> times
 {
     gRows.push_back({items, operation, times.first, times.second, goal, judged});
     const double ratio = times.second > 0 ? times.first / times.second : 0;
-    std::printf("%7d  %-34s %10.3f ms %10.3f ms %8.2fx  goal <= %.1fx  %s\n", items,
-                qPrintable(operation), times.first, times.second, ratio, goal,
+    const char* unit = operation.contains(QLatin1String("(KB")) ? "KB" : "ms";
+    std::printf("%7d  %-34s %10.3f %s %10.3f %s %8.2fx  goal <= %.1fx  %s\n", items,
+                qPrintable(operation), times.first, unit, times.second, unit, ratio, goal,
                 !judged         ? ""
                 : ratio <= goal ? "ok"
                                 : "MISSED");
