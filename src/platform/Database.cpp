@@ -11,6 +11,7 @@
 #include <QUrl>
 #include <QUuid>
 #include <memory>
+#include <optional>
 #include <sqlite3.h>
 
 namespace {
@@ -30,30 +31,32 @@ void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv)
         return;
     }
     auto* pattern = static_cast<JetLikePattern*>(sqlite3_get_auxdata(ctx, 0));
+    std::optional<JetLikePattern> once; // for a pattern SQLite will not keep (not a constant)
     if (!pattern) {
         const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
-        pattern = new JetLikePattern(QString::fromUtf8(text, sqlite3_value_bytes(argv[0])));
-        sqlite3_set_auxdata(ctx, 0, pattern, freePattern);
-        // SQLite may have freed it at once (the pattern is not a constant): read it again.
+        const QString source = QString::fromUtf8(text, sqlite3_value_bytes(argv[0]));
+        sqlite3_set_auxdata(ctx, 0, new JetLikePattern(source), freePattern);
         pattern = static_cast<JetLikePattern*>(sqlite3_get_auxdata(ctx, 0));
-        if (!pattern) {
-            const JetLikePattern once(QString::fromUtf8(text, sqlite3_value_bytes(argv[0])));
-            const auto* value = reinterpret_cast<const char*>(sqlite3_value_text(argv[1]));
-            sqlite3_result_int(ctx, once.matches(value, sqlite3_value_bytes(argv[1])) ? 1 : 0);
-            return;
-        }
+        if (!pattern)
+            pattern = &once.emplace(source);
     }
     const auto* value = reinterpret_cast<const char*>(sqlite3_value_text(argv[1]));
     sqlite3_result_int(ctx, pattern->matches(value, sqlite3_value_bytes(argv[1])) ? 1 : 0);
 }
 
-sqlite3* handleOf(const QSqlDatabase& db)
+} // namespace
+
+sqlite3* sqliteHandle(const QSqlDatabase& db)
 {
+    if (!db.isOpen())
+        return nullptr;
     const QVariant v = db.driver()->handle();
     if (!v.isValid() || qstrcmp(v.typeName(), "sqlite3*") != 0)
         return nullptr;
     return *static_cast<sqlite3* const*>(v.constData());
 }
+
+namespace {
 
 int stopAfterDeadline(void* deadline)
 {
@@ -66,7 +69,7 @@ IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& v
                int timeLimitMs)
 {
     IdScan result;
-    sqlite3* h = handleOf(db);
+    sqlite3* h = sqliteHandle(db);
     if (!h) {
         result.error = QStringLiteral("the item database is not open");
         return result;
@@ -128,7 +131,7 @@ IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& v
 
 QString dataVersion(const QSqlDatabase& db)
 {
-    sqlite3* h = handleOf(db);
+    sqlite3* h = sqliteHandle(db);
     if (!h)
         return {};
     const IdScan other = scanIds(db, QStringLiteral("PRAGMA data_version"));
@@ -138,7 +141,7 @@ QString dataVersion(const QSqlDatabase& db)
 
 bool installJetLike(const QSqlDatabase& db)
 {
-    sqlite3* h = handleOf(db);
+    sqlite3* h = sqliteHandle(db);
     if (!h)
         return false;
     return sqlite3_create_function_v2(h, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QVariantList>
 
+struct sqlite3;
+
 // Result of opening the item database; errorNumber follows the numbering the program has
 // always reported (3024: file not found).
 struct DatabaseOpenResult
@@ -48,3 +50,7 @@ IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& v
 // Changes whenever rows of the database may have changed, by this connection or another one:
 // lets a window keep what it read until then.
 QString dataVersion(const QSqlDatabase& db);
+
+// The SQLite connection behind an open Qt connection, for what Qt SQL does not offer (backups,
+// progress handlers, user functions); null when it is not an open SQLite connection.
+sqlite3* sqliteHandle(const QSqlDatabase& db);

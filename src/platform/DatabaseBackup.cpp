@@ -1,5 +1,7 @@
 #include "platform/DatabaseBackup.h"
 
+#include "platform/Database.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -35,16 +37,6 @@ using Statement = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 QString errorOf(sqlite3* h)
 {
     return QString::fromUtf8(sqlite3_errmsg(h));
-}
-
-sqlite3* handleOf(const QSqlDatabase& db)
-{
-    if (!db.isOpen())
-        return nullptr;
-    const QVariant v = db.driver()->handle();
-    if (!v.isValid() || qstrcmp(v.typeName(), "sqlite3*") != 0)
-        return nullptr;
-    return *static_cast<sqlite3* const*>(v.constData());
 }
 
 // Opens an existing file; never creates one. Read-only through the URI form, which also keeps
@@ -212,7 +204,7 @@ QStringList itemColumns(const QSqlDatabase& db)
 {
     QStringList columns;
     QString error;
-    if (sqlite3* h = handleOf(db))
+    if (sqlite3* h = sqliteHandle(db))
         columnTexts(h, "SELECT name FROM pragma_table_info('Items')", &columns, &error);
     return columns;
 }
@@ -270,7 +262,7 @@ BackupOutcome restoreDatabaseFrom(const QSqlDatabase& live, const QString& backu
                                   const BackupProgress& progress, int pagesPerStep)
 {
     BackupOutcome outcome;
-    sqlite3* h = handleOf(live);
+    sqlite3* h = sqliteHandle(live);
     if (!h) {
         outcome.error = QStringLiteral("the item database is not open");
         return outcome;
