@@ -73,7 +73,12 @@ private slots:
             {"[a-c]at", "rat", false},                {"[!x]1", "y1", true},
             {"[!x]1", "X1", false},                   {"a[*]", "a*", true},
             {"a[b", "a[b", true},                     {"100%", "1000", false},
-            {"a_c", "abc", false},                    {"", "x", false}};
+            {"a_c", "abc", false},                    {"", "x", false},
+            // Plain patterns over ASCII are matched on the bytes; these must agree with folding.
+            {"ab*ba", "aba", false},                  {"a*b*c", "aXXcYYb", false},
+            {"*kelvin*", "\u212Aelvin", true},        {"*sun*", "\u017Fun", true},
+            {"*CAFE*", "café", false},                {"???", "日本語", true},
+            {"[!a-c]x", "éx", true},                  {"*", "", true}};
         // clang-format on
         for (const auto& [pattern, value, matches] : cases)
             QTest::addRow("%s ~ %s", pattern, value)

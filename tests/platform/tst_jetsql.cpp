@@ -92,52 +92,6 @@ private slots:
         QCOMPARE(c.sql, sql);
         QTEST(c.values, "values");
     }
-
-    // The byte path for plain patterns must agree with Unicode case folding everywhere.
-    void like_data()
-    {
-        QTest::addColumn<QString>("pattern");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<bool>("matches");
-        const auto row = [](const char* pattern, const char* value, bool matches) {
-            QTest::newRow(qPrintable(QStringLiteral("%1 ~ %2").arg(QString::fromUtf8(pattern),
-                                                                   QString::fromUtf8(value))))
-                << QString::fromUtf8(pattern) << QString::fromUtf8(value) << matches;
-        };
-        row("*beanie*", "Rare BEANIE bear", true);
-        row("*beanie*", "Rare BEANI bear", false);
-        row("beanie", "Beanie", true);
-        row("beanie", "Beanies", false);
-        row("*aol.com", "x@AOL.COM", true);
-        row("*aol.com", "x@aol.com.au", false);
-        row("ab*ba", "aba", false); // the two ends may not share a character
-        row("ab*ba", "abba", true);
-        row("a*b*c", "aXXbYYc", true);
-        row("a*b*c", "aXXcYYb", false);
-        row("*", "", true);
-        row("", "", true);
-        row("", "x", false);
-        row("*café*", "Grand CAFÉ bar", true);
-        row("*CAFE*", "café", false);
-        row("*kelvin*", "\u212Aelvin scale", true); // the Kelvin sign folds to k
-        row("*sun*", "\u017Fun", true);             // so does the long s to s
-        row("*sun*", "Süd sun", true);
-        row("?afé", "café", true);
-        row("???", "日本語", true);
-        row("####", "2003", true);
-        row("####", "20O3", false);
-        row("[a-c]x", "Bx", true);
-        row("[!a-c]x", "Bx", false);
-        row("[!a-c]x", "éx", true);
-        row("*[0-9]", "Lot 7", true);
-    }
-    void like()
-    {
-        QFETCH(QString, pattern);
-        QFETCH(QString, value);
-        const QByteArray utf8 = value.toUtf8();
-        QTEST(JetLikePattern(pattern).matches(utf8.constData(), utf8.size()), "matches");
-    }
 };
 
 QTEST_GUILESS_MAIN(TestJetSql)
