@@ -221,9 +221,10 @@ bool SettingsStore::contains(const QString& application, const QString& section,
     return false;
 }
 
-void SettingsStore::setInMemory(File& file, const QString& section, const QString& key,
+bool SettingsStore::setInMemory(File& file, const QString& section, const QString& key,
                                 const QString& value)
 {
+    bool changed = false;
     Section* target = nullptr;
     for (Section& s : file.sections)
         if (sameName(s.name, section))
@@ -231,6 +232,7 @@ void SettingsStore::setInMemory(File& file, const QString& section, const QStrin
     if (!target) {
         file.sections.append({section, {}, false});
         target = &file.sections.last();
+        changed = true;
     }
     bool found = false;
     for (Entry& e : target->entries)
@@ -239,18 +241,32 @@ void SettingsStore::setInMemory(File& file, const QString& section, const QStrin
             if (e.value != value) {
                 e.value = value;
                 e.rawValue.reset();
+                changed = true;
             }
             found = true;
         }
-    if (!found)
+    if (!found) {
         target->entries.append({key, value, false, std::nullopt});
+        changed = true;
+    }
+    return changed;
+}
+
+bool SettingsStore::isWrittenAsIs(const QString& application) const
+{
+    // A value saved again unchanged need not cost a write and a flush to disk (start-up saves
+    // several every time), as long as the file is there and already private.
+    const QFileInfo info(filePath(application));
+    return info.isFile() && info.permissions() == (QFile::ReadOwner | QFile::WriteOwner |
+                                                   QFile::ReadUser | QFile::WriteUser);
 }
 
 bool SettingsStore::save(const QString& application, const QString& section, const QString& key,
                          const QString& value)
 {
     File& file = load(application);
-    setInMemory(file, section, key, value);
+    if (!setInMemory(file, section, key, value) && isWrittenAsIs(application))
+        return true;
     return write(application, file);
 }
 
@@ -258,8 +274,11 @@ bool SettingsStore::saveAll(const QString& application, const QString& section,
                             const QList<std::pair<QString, QString>>& values)
 {
     File& file = load(application);
+    bool changed = false;
     for (const auto& [key, value] : values)
-        setInMemory(file, section, key, value);
+        changed = setInMemory(file, section, key, value) || changed;
+    if (!changed && isWrittenAsIs(application))
+        return true;
     return write(application, file);
 }
 

@@ -65,7 +65,9 @@ private:
 
     File& load(const QString& application) const;
     bool write(const QString& application, const File& file) const;
-    static void setInMemory(File& file, const QString& section, const QString& key,
+    bool isWrittenAsIs(const QString& application) const;
+    // Returns whether the file's contents changed.
+    static bool setInMemory(File& file, const QString& section, const QString& key,
                             const QString& value);
 
     QString m_folder;
