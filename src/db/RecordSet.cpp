@@ -13,9 +13,11 @@
 #include <QSqlRecord>
 
 RecordSet::RecordSet(QSqlDatabase database, QObject* parent)
-    : QObject(parent), m_db(std::move(database))
+    : QObject(parent), m_db(std::move(database)), m_rowReader(std::make_unique<RowReader>())
 {
 }
+
+RecordSet::~RecordSet() = default;
 
 QString RecordSet::sourceSql() const
 {
@@ -107,11 +109,14 @@ bool RecordSet::refresh()
     m_ids = std::move(keys.ids);
     if (m_keyOrder)
         sortKeys(m_ids);
-    if (m_columns != previousColumns || m_rowQueryDb != m_db.connectionName()) {
-        m_rowQuery = QSqlQuery(m_db);
-        m_rowQuery.prepare(QLatin1String("SELECT ") + m_columns.join(QLatin1String(", ")) +
-                           QLatin1String(" FROM Items WHERE ID = ?"));
-        m_rowQueryDb = m_db.connectionName();
+    if (m_columns != previousColumns || m_rowSql.isEmpty()) {
+        m_rowSql = QLatin1String("SELECT ") + m_columns.join(QLatin1String(", ")) +
+                   QLatin1String(" FROM Items WHERE ID = ?");
+        m_columnIndex.clear();
+        for (int i = 0; i < m_columns.size(); ++i) {
+            m_columnIndex.insert(m_columns.at(i).toLower(), i);
+            m_columnIndex.insert(m_columns.at(i), i);
+        }
     }
     m_pos = 0; // BOF and EOF together when there are no rows
     loadCurrent();
@@ -127,12 +132,17 @@ void RecordSet::loadCurrent()
     m_dirty.clear();
     if (!hasCurrent())
         return;
-    m_rowQuery.bindValue(0, m_ids.at(m_pos));
-    if (m_rowQuery.exec() && m_rowQuery.next()) {
-        for (int i = 0; i < m_columns.size(); ++i)
-            m_values.insert(m_columns.at(i).toLower(), m_rowQuery.value(i));
-    }
-    m_rowQuery.finish();
+    // Straight from SQLite: a QSqlQuery costs several times the read itself on every move.
+    m_rowReader->read(m_db, m_rowSql, m_ids.at(m_pos), m_values);
+}
+
+int RecordSet::columnIndex(const QString& column) const
+{
+    // The names bound boxes use are the table's own, so the lower-case copy is rarely made.
+    auto it = m_columnIndex.constFind(column);
+    if (it == m_columnIndex.cend())
+        it = m_columnIndex.constFind(column.toLower());
+    return it == m_columnIndex.cend() ? -1 : *it;
 }
 
 void RecordSet::rereadCurrent()
@@ -166,8 +176,11 @@ bool RecordSet::save()
         emit writeFailed(m_lastError);
         return false;
     }
-    for (auto it = m_dirty.cbegin(); it != m_dirty.cend(); ++it)
-        m_values.insert(it.key().toLower(), it.value());
+    for (auto it = m_dirty.cbegin(); it != m_dirty.cend(); ++it) {
+        const int i = columnIndex(it.key());
+        if (i >= 0 && i < m_values.size())
+            m_values[i] = it.value();
+    }
     m_dirty.clear();
     return true;
 }
@@ -371,10 +384,12 @@ void RecordSet::close(DataAction action)
 
 QVariant RecordSet::storedValue(const QString& column) const
 {
-    const auto d = m_dirty.constFind(column.toLower());
-    if (d != m_dirty.cend())
-        return *d;
-    return m_values.value(column.toLower());
+    if (!m_dirty.isEmpty()) {
+        const auto d = m_dirty.constFind(column.toLower());
+        if (d != m_dirty.cend())
+            return *d;
+    }
+    return m_values.value(columnIndex(column));
 }
 
 QString RecordSet::text(const QString& column) const
@@ -392,7 +407,7 @@ void RecordSet::setText(const QString& column, const QString& text)
     if (kind == ColumnKind::Id)
         return;
     const QVariant stored = ItemColumns::fromText(kind, text);
-    const QVariant current = m_values.value(column.toLower());
+    const QVariant current = m_values.value(columnIndex(column));
     // Setting the kept value again withdraws an earlier edit instead of leaving it pending.
     if ((stored.isNull() && current.isNull()) ||
         (!stored.isNull() && !current.isNull() && stored.toString() == current.toString())) {

@@ -8,8 +8,10 @@
 #include <QStringList>
 #include <QVariant>
 #include <functional>
+#include <memory>
 
 class RecordSet;
+class RowReader;
 
 // What the record set is asked to do; the validate hook sees it before the record is left.
 enum class DataAction
@@ -52,6 +54,7 @@ public:
     };
 
     explicit RecordSet(QSqlDatabase database, QObject* parent = nullptr);
+    ~RecordSet() override;
 
     void setDatabase(QSqlDatabase database) { m_db = std::move(database); }
     QSqlDatabase database() const { return m_db; }
@@ -123,6 +126,7 @@ private:
     bool save();
     void moveTo(qsizetype position);
     void loadCurrent();
+    int columnIndex(const QString& column) const;
     FindResult find(const QString& criteria, qsizetype from);
     QString sourceSql() const;
 
@@ -137,9 +141,10 @@ private:
     bool m_noMatch = false;
     QString m_rowsSql;       // the record source without its key order
     bool m_keyOrder = false; // the source lists its rows in key order
-    QSqlQuery m_rowQuery;    // reads the current row; prepared again when the columns change
-    QString m_rowQueryDb;    // the connection it was prepared on
-    QHash<QString, QVariant> m_values; // current row, by lower-case column name
+    QString m_rowSql;        // reads one row of the source's columns by key
+    std::unique_ptr<RowReader> m_rowReader;
+    QHash<QString, int> m_columnIndex; // place of each column, by its name and lower-case name
+    QVariantList m_values;             // current row, in the order of m_columns
     QHash<QString, QVariant> m_dirty;  // edits not yet written, by lower-case column name
     QString m_lastError;
 };

@@ -5,6 +5,7 @@
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -127,6 +128,69 @@ IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& v
     if (!result.ok())
         result.ids.clear();
     return result;
+}
+
+RowReader::~RowReader()
+{
+    release();
+}
+
+void RowReader::release()
+{
+    sqlite3_finalize(m_statement); // a no-op on null
+    m_statement = nullptr;
+    m_handle = nullptr;
+    m_sql.clear();
+}
+
+bool RowReader::read(const QSqlDatabase& db, const QString& sql, qint64 key, QVariantList& values)
+{
+    values.clear();
+    sqlite3* h = sqliteHandle(db);
+    if (!h) {
+        release();
+        return false;
+    }
+    if (h != m_handle || sql != m_sql) {
+        release();
+        const QByteArray text = sql.toUtf8();
+        if (sqlite3_prepare_v3(h, text.constData(), int(text.size()), SQLITE_PREPARE_PERSISTENT,
+                               &m_statement, nullptr) != SQLITE_OK) {
+            release();
+            return false;
+        }
+        m_handle = h;
+        m_sql = sql;
+    }
+    sqlite3_stmt* s = m_statement;
+    const auto reset = qScopeGuard([s] { sqlite3_reset(s); });
+    sqlite3_bind_int64(s, 1, key);
+    if (sqlite3_step(s) != SQLITE_ROW)
+        return false;
+    const int count = sqlite3_column_count(s);
+    values.reserve(count);
+    for (int c = 0; c < count; ++c) {
+        switch (sqlite3_column_type(s, c)) {
+        case SQLITE_INTEGER:
+            values.append(QVariant(qint64(sqlite3_column_int64(s, c))));
+            break;
+        case SQLITE_BLOB:
+            values.append(QByteArray(static_cast<const char*>(sqlite3_column_blob(s, c)),
+                                     sqlite3_column_bytes(s, c)));
+            break;
+        case SQLITE_FLOAT:
+            values.append(QVariant(sqlite3_column_double(s, c)));
+            break;
+        case SQLITE_NULL:
+            values.append(QVariant(QMetaType::fromType<QString>()));
+            break;
+        default: // text
+            values.append(
+                QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(s, c)),
+                                  sqlite3_column_bytes(s, c)));
+        }
+    }
+    return true;
 }
 
 QString dataVersion(const QSqlDatabase& db)

@@ -6,6 +6,7 @@
 #include <QVariantList>
 
 struct sqlite3;
+struct sqlite3_stmt;
 
 // Result of opening the item database; errorNumber follows the numbering the program has
 // always reported (3024: file not found).
@@ -46,6 +47,32 @@ struct IdScan
 };
 IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {},
                int timeLimitMs = 0);
+
+// Reads one row of a statement with a single key parameter straight from SQLite, each value of
+// the type a QSqlQuery on the connection would give it: for the row shown on every move, where
+// Qt SQL costs several times the read. The statement stays prepared between reads (preparing
+// costs more than reading) and is reset after each, so it holds no lock. A connection closed
+// while a reader keeps its statement cannot finish closing: keep readers no longer than the
+// windows that use the connection.
+class RowReader
+{
+public:
+    RowReader() = default;
+    ~RowReader();
+    RowReader(const RowReader&) = delete;
+    RowReader& operator=(const RowReader&) = delete;
+
+    // Fills values (cleared first; left empty when there is no such row or the statement
+    // fails). Returns whether the row was read.
+    bool read(const QSqlDatabase& db, const QString& sql, qint64 key, QVariantList& values);
+
+private:
+    void release();
+
+    sqlite3* m_handle = nullptr;
+    sqlite3_stmt* m_statement = nullptr;
+    QString m_sql;
+};
 
 // Changes whenever rows of the database may have changed, by this connection or another one:
 // lets a window keep what it read until then.

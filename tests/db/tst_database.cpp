@@ -93,6 +93,40 @@ private slots:
         QTEST(q.value(0).toBool(), "matches");
     }
 
+    // The row shown on every move is read past Qt SQL; each value must still be what a
+    // QSqlQuery gives, in type and content, or the boxes and the edit check would change.
+    void rowReaderMatchesQtSql_data()
+    {
+        QTest::addColumn<QString>("value");
+        for (const char* v : {"NULL", "0", "-9223372036854775808", "42", "1.5", "0.1", "1e300",
+                              "'text'", "''", "'Tom''s hat'", "'Müller ✓'", "X'00ff10'", "x''"})
+            QTest::addRow("%s", v) << QString::fromUtf8(v);
+    }
+    void rowReaderMatchesQtSql()
+    {
+        QFETCH(QString, value);
+        const QSqlDatabase db = m_env->context().itemDatabase;
+        const QString sql = QStringLiteral("SELECT ?, %1, ? * 2").arg(value);
+        QSqlQuery q(db);
+        QVERIFY(q.prepare(sql));
+        q.addBindValue(7);
+        q.addBindValue(7);
+        QVERIFY(q.exec() && q.next());
+        RowReader reader;
+        QVariantList row;
+        for (int pass = 0; pass < 2; ++pass) { // the second read reuses the kept statement
+            QVERIFY(reader.read(db, QStringLiteral("SELECT ?1, %1, ?1 * 2").arg(value), 7, row));
+            QCOMPARE(row.size(), 3);
+            for (int c = 0; c < 3; ++c) {
+                QCOMPARE(row.at(c).typeId(), q.value(c).typeId());
+                QCOMPARE(row.at(c).isNull(), q.value(c).isNull());
+                QCOMPARE(row.at(c), q.value(c));
+            }
+        }
+        QVERIFY(!reader.read(db, QStringLiteral("SELECT 1 WHERE ?1 = 0"), 7, row));
+        QVERIFY(row.isEmpty());
+    }
+
     // A statement that never ends is stopped at its time limit and the connection stays usable.
     void scanStopsAtItsTimeLimit()
     {
