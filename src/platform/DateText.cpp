@@ -2,6 +2,9 @@
 
 #include <QStringList>
 
+#include <algorithm>
+#include <iterator>
+
 namespace DateText {
 
 namespace {
@@ -22,15 +25,75 @@ QString secondsTimeFormat(const QLocale& locale)
     return f;
 }
 
+// The display forms of the last locale asked for: every record shown formats several dates,
+// and asking the locale for its forms costs more than the formatting.
+struct DisplayForms
+{
+    QLocale locale;
+    QString date;
+    QString time;
+};
+
+const DisplayForms& displayForms(const QLocale& locale)
+{
+    thread_local DisplayForms forms{QLocale::c(), {}, {}};
+    if (forms.date.isEmpty() || forms.locale != locale)
+        forms = {locale, fullYearDateFormat(locale), secondsTimeFormat(locale)};
+    return forms;
+}
+
+// Reads exactly `digits` decimal digits at `at`; -1 when any is not a digit.
+int digitsAt(QStringView text, qsizetype at, int digits)
+{
+    int value = 0;
+    for (int i = 0; i < digits; ++i) {
+        const char16_t c = text[at + i].unicode();
+        if (c < u'0' || c > u'9')
+            return -1;
+        value = value * 10 + (c - u'0');
+    }
+    return value;
+}
+
+// The stored forms "yyyy-MM-dd HH:mm:ss" and "yyyy-MM-dd" read directly: the general parser
+// costs more than showing the whole record. Anything else, or a local time that does not
+// exist as written, is left to the general parser (invalid here).
+QDateTime fromStrictStorage(QStringView text)
+{
+    if (text.size() != 19 && text.size() != 10)
+        return {};
+    if (text[4] != u'-' || text[7] != u'-')
+        return {};
+    const int fields[] = {digitsAt(text, 0, 4),
+                          digitsAt(text, 5, 2),
+                          digitsAt(text, 8, 2),
+                          text.size() == 19 ? digitsAt(text, 11, 2) : 0,
+                          text.size() == 19 ? digitsAt(text, 14, 2) : 0,
+                          text.size() == 19 ? digitsAt(text, 17, 2) : 0};
+    if (std::any_of(std::begin(fields), std::end(fields), [](int f) { return f < 0; }))
+        return {};
+    if (text.size() == 19 && (text[10] != u' ' || text[13] != u':' || text[16] != u':'))
+        return {};
+    const QDate date(fields[0], fields[1], fields[2]);
+    const QTime time(fields[3], fields[4], fields[5]);
+    if (!date.isValid() || !time.isValid())
+        return {};
+    QDateTime value(date, time);
+    if (value.date() != date || value.time() != time)
+        return {};
+    return value;
+}
+
 } // namespace
 
 QString toDisplay(const QDateTime& value, const QLocale& locale)
 {
     if (!value.isValid())
         return {};
-    QString text = locale.toString(value.date(), fullYearDateFormat(locale));
+    const DisplayForms& forms = displayForms(locale);
+    QString text = locale.toString(value.date(), forms.date);
     if (value.time() != QTime(0, 0))
-        text += u' ' + locale.toString(value.time(), secondsTimeFormat(locale));
+        text += u' ' + locale.toString(value.time(), forms.time);
     return text;
 }
 
@@ -80,6 +143,8 @@ QString toStorage(const QDateTime& value)
 
 QDateTime fromStorage(const QString& text)
 {
+    if (QDateTime strict = fromStrictStorage(text); strict.isValid())
+        return strict;
     QDateTime dt = QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     if (!dt.isValid())
         dt = QDateTime(QDate::fromString(text, QStringLiteral("yyyy-MM-dd")), QTime(0, 0));
