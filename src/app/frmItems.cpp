@@ -571,18 +571,27 @@ void frmItems::onReposition()
     setCommand(QStringLiteral("PList"), ui->mnuListing,
                !(fieldText(3).isEmpty() && fieldText(4).isEmpty()));
 
-    const QString started = fieldText(12);
-    const QString ends = fieldText(13);
-    if (!started.isEmpty() && !ends.isEmpty()) {
-        const QDateTime from = DateText::fromDisplay(started);
-        const QDateTime to = DateText::fromDisplay(ends);
-        if (from.isValid() && to.isValid()) {
-            const qint64 days = from.date().daysTo(to.date());
-            ui->comboLength->setCurrentText(days > 10 || days < 3 ? QStringLiteral("7")
-                                                                  : QString::number(days));
-        }
+    const QDate from = shownDate(12);
+    const QDate to = shownDate(13);
+    if (from.isValid() && to.isValid()) {
+        const qint64 days = from.daysTo(to);
+        ui->comboLength->setCurrentText(days > 10 || days < 3 ? QStringLiteral("7")
+                                                              : QString::number(days));
     }
     previewPicture(5);
+}
+
+QDate frmItems::shownDate(int index) const
+{
+    // A box showing the record as read shows its stored date, so the stored text is read
+    // instead of the display text: the same date at a fraction of the cost on every move.
+    if (m_binder.showsRecord(txtFields[index])) {
+        const QDateTime stored =
+            DateText::fromStorage(Data1->storedValue(m_binder.column(txtFields[index])).toString());
+        if (stored.isValid())
+            return stored.date();
+    }
+    return DateText::fromDisplay(fieldText(index)).date();
 }
 
 // ---------------------------------------------------------------- pictures
@@ -1183,8 +1192,8 @@ void frmItems::mnuExportItems_Click()
 {
     Data1->update(); // what was typed into the current item goes into the file
     // Two or more rows chosen in the item list are exported instead of the whole view.
-    const QList<qint64> chosen = m_itemList->isVisible() ? m_itemList->selectedKeys()
-                                                         : QList<qint64>();
+    const QList<qint64> chosen =
+        m_itemList->isVisible() ? m_itemList->selectedKeys() : QList<qint64>();
     CsvCommands::exportItems(m_ctx, this, chosen.size() > 1 ? chosen : Data1->keys());
 }
 

@@ -122,6 +122,8 @@ private:
     void openView(View view);
     void addItem();
     void onReposition();
+    // The date a date box shows; invalid when it is empty or cannot be read.
+    QDate shownDate(int index) const;
     void onFieldChanged(int index);
     void onFieldLeft(int index);
     void onLengthChosen();

@@ -1,10 +1,76 @@
 #include "db/DataBinder.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QSignalBlocker>
 #include <QTextEdit>
+
+namespace {
+
+// Setting a long text into a plain-text box lays out its first lines and, to size the scroll
+// bar, its last screenful, at once. Moving through items pays that for every item passed,
+// though only the one the user stops at is ever seen. So the text goes into the box at once
+// and the box's layout hears of it when the event loop next runs, or when the box is painted
+// first: only records that reach the screen are laid out.
+class LayoutCatchUp : public QObject
+{
+public:
+    explicit LayoutCatchUp(QPlainTextEdit* edit) : QObject(edit), m_edit(edit)
+    {
+        setObjectName(kName);
+        // The box's frame is painted before its text and scroll bars, so the scroll bars are
+        // right by the time they are painted.
+        edit->installEventFilter(this);
+        edit->viewport()->installEventFilter(this);
+    }
+
+    static LayoutCatchUp* of(QPlainTextEdit* edit)
+    {
+        QObject* catchUp = edit->findChild<QObject*>(kName, Qt::FindDirectChildrenOnly);
+        return catchUp ? static_cast<LayoutCatchUp*>(catchUp) : new LayoutCatchUp(edit);
+    }
+
+    void setText(const QString& text)
+    {
+        {
+            const QSignalBlocker quiet(m_edit->document()->documentLayout());
+            m_edit->setPlainText(text);
+        }
+        if (!m_pending) {
+            m_pending = true;
+            QMetaObject::invokeMethod(this, &LayoutCatchUp::catchUp, Qt::QueuedConnection);
+        }
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            catchUp();
+        return false;
+    }
+
+private:
+    static constexpr QLatin1StringView kName{"tbLayoutCatchUp"};
+
+    void catchUp()
+    {
+        if (!m_pending)
+            return;
+        m_pending = false;
+        QAbstractTextDocumentLayout* layout = m_edit->document()->documentLayout();
+        emit layout->documentSizeChanged(layout->documentSize());
+        m_edit->viewport()->update();
+    }
+
+    QPlainTextEdit* m_edit;
+    bool m_pending = false;
+};
+
+} // namespace
 
 void DataBinder::bind(QWidget* box, const QString& column)
 {
@@ -29,10 +95,14 @@ QString DataBinder::boxText(const QWidget* box)
 void DataBinder::setBoxText(QWidget* box, const QString& text)
 {
     if (auto* e = qobject_cast<QLineEdit*>(box)) {
-        e->setText(text);
+        // Laying out a box's text is most of what showing a record costs; a box that already
+        // shows the text, untouched, only needs its cursor put back.
+        if (e->text() != text || e->isUndoAvailable() || e->isRedoAvailable() ||
+            e->hasSelectedText() || e->isModified())
+            e->setText(text);
         e->setCursorPosition(0);
     } else if (auto* e = qobject_cast<QPlainTextEdit*>(box)) {
-        e->setPlainText(text);
+        LayoutCatchUp::of(e)->setText(text);
     } else if (auto* e = qobject_cast<QTextEdit*>(box)) {
         e->setPlainText(text);
     } else if (auto* c = qobject_cast<QCheckBox*>(box)) {
@@ -40,6 +110,22 @@ void DataBinder::setBoxText(QWidget* box, const QString& text)
     } else if (auto* c = qobject_cast<QComboBox*>(box)) {
         c->setCurrentText(text);
     }
+}
+
+bool DataBinder::showsRecord(const QWidget* box) const
+{
+    for (const Binding& b : m_bindings)
+        if (b.box == box)
+            return boxText(box) == b.loaded;
+    return false;
+}
+
+QString DataBinder::column(const QWidget* box) const
+{
+    for (const Binding& b : m_bindings)
+        if (b.box == box)
+            return b.column;
+    return {};
 }
 
 void DataBinder::showRecord(const RecordSet& records)
@@ -51,8 +137,9 @@ void DataBinder::showRecord(const RecordSet& records)
         // A column the record source does not list shows empty.
         b.shown = records.text(b.column);
         setBoxText(b.box, b.shown);
+        b.loaded = boxText(b.box);
         if (qobject_cast<QCheckBox*>(b.box.data()))
-            b.shown = boxText(b.box);
+            b.shown = b.loaded;
     }
     m_loading = false;
 }
@@ -62,10 +149,16 @@ void DataBinder::collectEdits(RecordSet& records)
     for (Binding& b : m_bindings) {
         if (!b.box)
             continue;
+        // Only what was typed counts: a box that changed the text as it took it (line ends,
+        // length) must not rewrite the record when it is merely left.
         const QString now = boxText(b.box);
-        if (now != b.shown) {
-            records.setText(b.column, now);
-            b.shown = now;
-        }
+        if (now == b.loaded)
+            continue;
+        QString edited = now;
+        if (b.shown.contains(QLatin1String("\r\n")) && !edited.contains(u'\r'))
+            edited.replace(u'\n', QLatin1String("\r\n")); // keep the record's own line ends
+        records.setText(b.column, edited);
+        b.shown = edited;
+        b.loaded = now;
     }
 }

@@ -15,6 +15,10 @@ public:
     void bind(QWidget* box, const QString& column);
     void showRecord(const RecordSet& records) override;
     void collectEdits(RecordSet& records) override;
+    // The box still shows the value the record gave it: no edit since the record was shown.
+    bool showsRecord(const QWidget* box) const;
+    // The column a box is bound to; empty when it is not bound.
+    QString column(const QWidget* box) const;
     // True while showRecord fills the boxes, so change handlers can tell a load from typing.
     bool isLoading() const { return m_loading; }
 
@@ -26,7 +30,8 @@ private:
     {
         QPointer<QWidget> box;
         QString column;
-        QString shown;
+        QString shown;  // the record's text, as given to the box
+        QString loaded; // what the box held once given it (a text box turns CR LF into LF)
     };
     QList<Binding> m_bindings;
     bool m_loading = false;

@@ -9,6 +9,8 @@
 
 #include <QDialog>
 #include <QLockFile>
+#include <QPlainTextEdit>
+#include <QSqlQuery>
 #include <QStatusBar>
 #include <QToolBar>
 
@@ -26,6 +28,7 @@ private slots:
     void views_data();
     void views();
     void navigationAndBeeps();
+    void descriptionLooksAsIfSetDirectly();
     void lengthFromDates_data();
     void lengthFromDates();
     void restartRemembersViewBarsAndSize();
@@ -105,6 +108,76 @@ void TestItemWindow::navigationAndBeeps()
     step(&frmItems::mnuPrevious_Click, "1", "10111", 2);
     w->toolButton(QStringLiteral("Next"))->trigger(); // the toolbar runs the same command
     QCOMPARE(w.current(), QStringLiteral("2"));
+}
+
+// Moving fills the description box without laying it out until it is painted; what the user sees
+// (text, scroll bar, scroll position) must be what setting the text the ordinary way shows, both
+// when the box is painted at once and after the event loop has run.
+void TestItemWindow::descriptionLooksAsIfSetDirectly()
+{
+    QStringList paragraphs;
+    for (int i = 0; i < 40; ++i)
+        paragraphs << QStringLiteral("<p>Paragraph %1 of a long description that wraps over more "
+                                     "than one line in the box.</p>")
+                          .arg(i);
+    const QString longText = paragraphs.join(QLatin1String("\r\n"));
+    TestEnvironment env;
+    QList<QVariantMap> rows;
+    for (const QString& d :
+         {longText, QStringLiteral("short"), QString(), longText.left(900), longText})
+        rows << QVariantMap{{QStringLiteral("Description"), d}};
+    env.addItems(rows);
+    ItemWindow w(env);
+    auto* box = w.child<QPlainTextEdit>(QStringLiteral("txtFields_4"));
+    // The text, whether the box scrolls, where it stands. Not the scroll bar's range: the box
+    // counts lines of paragraphs not yet laid out as one, so the range depends on what was
+    // painted before it was asked, whichever way the text was set.
+    const auto text = [&] { return box->viewport()->grab().toImage(); };
+    const auto look = [&] {
+        const QImage shown = text();
+        const QScrollBar* bar = box->verticalScrollBar();
+        return std::make_tuple(shown, bar->isVisible(), bar->value(), box->textCursor().position());
+    };
+    QScrollBar* bar = box->verticalScrollBar();
+    for (int item = 2; item <= rows.size(); ++item) {
+        const QString before = rows.at(item - 2).value(QStringLiteral("Description")).toString();
+        const QString after = rows.at(item - 1).value(QStringLiteral("Description")).toString();
+        // The box as the previous item left it, scrolled to its end.
+        const auto fromPrevious = [&] {
+            box->setPlainText(before);
+            QTest::qWait(0);
+            bar->setValue(bar->maximum());
+            QTest::qWait(0);
+        };
+        fromPrevious();
+        box->setPlainText(after);
+        const QImage directAtOnce = text();
+        QTest::qWait(0);
+        const auto direct = look();
+        fromPrevious();
+        w->mnuNext_Click();
+        QCOMPARE(box->toPlainText(),
+                 QString(after).replace(QLatin1String("\r\n"), QLatin1String("\n")));
+        const QImage movedAtOnce = text();
+        QTest::qWait(0);
+        const auto moved = look();
+        QVERIFY2(movedAtOnce == directAtOnce, qPrintable(QString::number(item)));
+        QVERIFY2(moved == direct, qPrintable(QString::number(item)));
+    }
+    // Browsing never rewrites a description, though the box shows its CR LF line ends as LF;
+    // an edit keeps them.
+    const auto stored = [&](int id) {
+        QSqlQuery q(env.context().itemDatabase);
+        q.exec(QStringLiteral("SELECT Description FROM Items WHERE ID = %1").arg(id));
+        return q.next() ? q.value(0).toString() : QStringLiteral("(none)");
+    };
+    w->mnuFirst_Click();
+    QCOMPARE(stored(1), longText);
+    box->setFocus();
+    box->moveCursor(QTextCursor::Start);
+    QTest::keyClicks(box, QStringLiteral("New. "));
+    w->mnuNext_Click();
+    QCOMPARE(stored(1), QLatin1String("New. ") + longText);
 }
 
 void TestItemWindow::lengthFromDates_data()
