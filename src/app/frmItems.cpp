@@ -1194,8 +1194,8 @@ void frmItems::mnuExportItems_Click()
 {
     Data1->update(); // what was typed into the current item goes into the file
     // Two or more rows chosen in the item list are exported instead of the whole view.
-    const QList<qint64> chosen =
-        m_itemList->isVisible() ? m_itemList->selectedKeys() : QList<qint64>();
+    const QList<qint64> chosen = m_itemList->isVisible() ? m_itemList->selectedKeys()
+                                                         : QList<qint64>();
     CsvCommands::exportItems(m_ctx, this, chosen.size() > 1 ? chosen : Data1->keys());
 }
 
