@@ -188,6 +188,16 @@ frmReports::frmReports(AppContext& ctx, QWidget* parent)
 
 frmReports::~frmReports() = default;
 
+void frmReports::setPeriod(ReportPeriod period, ReportRange chosen)
+{
+    {
+        const QSignalBlocker block(cboPeriod);
+        cboPeriod->setCurrentIndex(int(period));
+    }
+    showDates(ReportPeriods::range(period, QDate::currentDate(), chosen));
+    reload();
+}
+
 void frmReports::periodChosen()
 {
     const auto period = ReportPeriod(cboPeriod->currentIndex());

@@ -25,6 +25,8 @@ public:
     ~frmReports() override;
 
     const SalesReport& report() const { return m_report; }
+    // Shows a period (`chosen` for from/to dates) as if the user had picked it.
+    void setPeriod(ReportPeriod period, ReportRange chosen = {});
     // Reads the items again for the period the controls show.
     void reload();
 
