@@ -4,8 +4,8 @@
 #include "platform/WindowFitUi.h"
 #include "reports/ReportCharts.h"
 #include "reports/ReportCsv.h"
-#include "reports/ReportHtml.h"
 #include "reports/ReportModel.h"
+#include "reports/ReportPages.h"
 #include "reports/texts.h"
 #include "settings/AppContext.h"
 
@@ -26,13 +26,13 @@
 #include <QScrollBar>
 #include <QSplitter>
 #include <QTableView>
-#include <QTextDocument>
 #include <QVBoxLayout>
 
 namespace {
 
 constexpr QSize kDefaultSize(1000, 720);
-constexpr QSize kPrintedChart(900, 330); // logical pixels of the printed page's width
+// Charts are drawn at this size for printing, then scaled to half the page's width.
+constexpr QSize kPrintedChart(560, 340);
 
 QChartView* chartView(const QString& name, QWidget* parent)
 {
@@ -294,6 +294,7 @@ void frmReports::savePdf()
                                       ? QPageSize::A4
                                       : QPageSize::Letter));
         pdf.setPageOrientation(QPageLayout::Landscape);
+        pdf.setPageMargins(QMarginsF(12, 12, 12, 12), QPageLayout::Millimeter);
         pdf.setResolution(300);
         render(pdf);
     }
@@ -305,11 +306,7 @@ void frmReports::savePdf()
 
 void frmReports::render(QPagedPaintDevice& device) const
 {
-    QTextDocument document;
-    document.addResource(QTextDocument::ImageResource, QUrl(ReportHtml::kSalesChart),
-                         ReportCharts::picture(ReportCharts::salesChart(m_report), kPrintedChart));
-    document.addResource(QTextDocument::ImageResource, QUrl(ReportHtml::kOpenChart),
-                         ReportCharts::picture(ReportCharts::openChart(m_report), kPrintedChart));
-    document.setHtml(ReportHtml::html(m_report, m_model->rows(), kPrintedChart.width()));
-    document.print(&device);
+    ReportPages::paint(device, m_report, m_model->rows(),
+                       ReportCharts::picture(ReportCharts::salesChart(m_report), kPrintedChart),
+                       ReportCharts::picture(ReportCharts::openChart(m_report), kPrintedChart));
 }

@@ -25,8 +25,8 @@ inline const QString kCost = QStringLiteral("Cost");
 inline const QString kShipping = QStringLiteral("Shipping");
 inline const QString kInsurance = QStringLiteral("Insurance");
 inline const QString kNet = QStringLiteral("Net");
-inline const QString kDaysToPaid = QStringLiteral("Days to Payment");
-inline const QString kDaysToShipped = QStringLiteral("Days to Shipped");
+inline const QString kDaysToPaid = QStringLiteral("Days to Pay");
+inline const QString kDaysToShipped = QStringLiteral("Days to Ship");
 
 inline const QString kTotal = QStringLiteral("Total");
 inline const QString kAverage = QStringLiteral("Average");

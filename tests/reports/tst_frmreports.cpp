@@ -181,6 +181,12 @@ void TestFrmReports::exportsCsvInShownOrder()
 
 void TestFrmReports::savesPdf()
 {
+    // Enough rows for the table to run onto a second page.
+    QList<QVariantMap> more;
+    for (int i = 0; i < 60; ++i)
+        more << sold(QString::number(2000 + i), QDateTime(QDate(kYear - 1, 8, 1), QTime(9, i)),
+                     10000 + i * 100, 5000);
+    m_env->addItems(more);
     child<QComboBox>("cboPeriod")->setCurrentIndex(int(ReportPeriod::All));
     const QString path = m_env->path(u"report.pdf"_qs);
     m_env->prompts().queueFile(path);
