@@ -1,4 +1,5 @@
 #include "../support/LayoutCheck.h"
+#include "../support/ModalWatch.h"
 #include "../support/TestEnvironment.h"
 #include "app/frmItems.h"
 #include "db/ItemCsv.h"
@@ -52,6 +53,7 @@ private slots:
     void sortsByColumn();
     void exportsCsvInShownOrder();
     void savesPdf();
+    void printsThroughPreview();
     void looksWhole();
     void actionsMenuOpensOneWindow();
 
@@ -209,6 +211,13 @@ void TestFrmReports::savesPdf()
     QTest::mouseClick(child<QPushButton>("cmdSavePdf"), Qt::LeftButton);
     QVERIFY(!QFile::exists(bad));
     QVERIFY(m_env->prompts().shown().last().text.contains(bad));
+}
+
+void TestFrmReports::printsThroughPreview()
+{
+    ModalWatch watch;
+    QTest::mouseClick(child<QPushButton>("cmdPrint"), Qt::LeftButton);
+    QCOMPARE(watch.shown, u"frmPrintPreview"_qs);
 }
 
 void TestFrmReports::looksWhole()
