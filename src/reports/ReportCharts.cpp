@@ -21,7 +21,7 @@ QStringList bucketNames(const SalesReport& report, const QLocale& locale)
     QStringList names;
     for (const ReportBucket& b : report.buckets)
         names << (report.byYear ? QString::number(b.start.year())
-                                : locale.toString(b.start, QStringLiteral("MMM yyyy")));
+                                : locale.toString(b.start, QStringLiteral("MMM yy")));
     return names;
 }
 
@@ -59,7 +59,8 @@ std::unique_ptr<QChart> barChart(const QString& title, const QList<Bars>& bars,
 
     auto* categories = new QBarCategoryAxis(chart.get());
     categories->append(bucketNames(report, locale));
-    if (report.buckets.size() > 12)
+    // More than a few months side by side only fit upright.
+    if (report.buckets.size() > 6)
         categories->setLabelsAngle(-90);
     chart->addAxis(categories, Qt::AlignBottom);
     series->attachAxis(categories);

@@ -155,8 +155,8 @@ frmReports::frmReports(AppContext& ctx, QWidget* parent)
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(tablePart);
     splitter->addWidget(chartPart);
-    splitter->setStretchFactor(0, 3);
-    splitter->setStretchFactor(1, 2);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 1);
 
     cmdExportCsv = button(QStringLiteral("cmdExportCsv"), ReportTexts::kExportCsv, this);
     cmdPrint = button(QStringLiteral("cmdPrint"), ReportTexts::kPrint, this);
@@ -239,8 +239,26 @@ void frmReports::reload()
     const QHeaderView* header = grdReport->horizontalHeader();
     m_model->sort(header->sortIndicatorSection(), header->sortIndicatorOrder());
     m_foot->setTotals(m_report.totals);
-    chtSales->setChart(ReportCharts::salesChart(m_report).release());
+    chtSales->setChart(ReportCharts::salesChart(m_report).release()); // the view owns it
     chtOpen->setChart(ReportCharts::openChart(m_report).release());
+    applyChartTheme();
+}
+
+void frmReports::changeEvent(QEvent* event)
+{
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        applyChartTheme();
+}
+
+// The charts follow a dark colour scheme on screen; printed ones stay light.
+void frmReports::applyChartTheme()
+{
+    const bool dark = palette().color(QPalette::Window).lightness() < 128;
+    const QChart::ChartTheme theme = dark ? QChart::ChartThemeDark : QChart::ChartThemeLight;
+    for (QChartView* view : {chtSales, chtOpen})
+        if (view->chart() && view->chart()->theme() != theme)
+            view->chart()->setTheme(theme);
 }
 
 QString frmReports::askFile(const QString& title, const QString& suffix, const QString& filter)

@@ -36,7 +36,11 @@ public:
     // The whole report, table, totals and charts, on the device's pages.
     void render(QPagedPaintDevice& device) const;
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
+    void applyChartTheme();
     void periodChosen();
     void datesChosen();
     void showDates(ReportRange range);

@@ -227,6 +227,9 @@ void TestFrmReports::looksWhole()
     QVERIFY2(layoutProblems(m_window.get()).isEmpty(),
              qPrintable(layoutProblems(m_window.get()).join(u'\n')));
     m_window->grab().save(QDir::temp().filePath(u"tallybid-report-window.png"_qs));
+    // Months instead of years along the charts.
+    child<QComboBox>("cboPeriod")->setCurrentIndex(int(ReportPeriod::ThisYear));
+    m_window->grab().save(QDir::temp().filePath(u"tallybid-report-window-months.png"_qs));
 }
 
 void TestFrmReports::actionsMenuOpensOneWindow()
