@@ -22,6 +22,7 @@
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
 #include "platform/WindowFitUi.h"
+#include "reports/frmReports.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "settings/frmOptions.h"
@@ -135,9 +136,19 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
     for (int i = 0; i < 10; ++i)
         mnuLinks[i] = findChild<QAction*>(QStringLiteral("mnuLinks_%1").arg(i));
 
-    // Commands whose work is not part of this build stay present but disabled.
-    for (QAction* a : {ui->mnuActionsReports})
-        m_available.insert(a, false);
+    // Reports: one window at a time; what was typed into the current item is saved first, so
+    // the figures include it.
+    connect(ui->mnuActionsReports, &QAction::triggered, this, [this] {
+        Data1->update();
+        auto* reports = findChild<frmReports*>(QString(), Qt::FindDirectChildrenOnly);
+        if (!reports) {
+            reports = new frmReports(m_ctx, this);
+            reports->setAttribute(Qt::WA_DeleteOnClose);
+        }
+        reports->show();
+        reports->raise();
+        reports->activateWindow();
+    });
 
     buildToolbar();
     bindFields();

@@ -14,6 +14,7 @@
 #include "ftp/frmFTP.h"
 #include "listing/frmAdStudio.h"
 #include "platform/WindowFit.h"
+#include "reports/frmReports.h"
 #include "settings/frmOptions.h"
 #include "web/frmLoadWebPage.h"
 
@@ -135,6 +136,7 @@ void TestWindowFit::everyWindowFits_data()
         return std::make_unique<frmCleanup>(
             c, [] {}, [] { return nullptr; });
     });
+    row("frmReports", [](AppContext& c) { return std::make_unique<frmReports>(c); });
     row("frmCalculator", [](AppContext&) { return std::make_unique<frmCalculator>(); });
     row("frmCalendar", [](AppContext&) { return std::make_unique<frmCalendar>(); });
 }
