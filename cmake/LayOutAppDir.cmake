@@ -1,7 +1,7 @@
 # cmake -DRESOURCES=... -DAPPDIR=... -P LayOutAppDir.cmake
 # Copies the program's media and pages into the application folder, replacing only what
 # changed. tb2.mdb is not touched here.
-set(files logovksm.gif tb2ug.htm URLSetup.htm standard.tbt)
+set(files logovksm.gif tb2ug.htm URLSetup.htm Invoice.htm PackingSlip.htm standard.tbt)
 set(dirs Backgr Images Sounds)
 file(MAKE_DIRECTORY ${APPDIR})
 foreach(f ${files})

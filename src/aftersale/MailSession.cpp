@@ -159,6 +159,7 @@ MailOutcome sendNote(SmtpClient& client, const MailSettings& settings, const Mai
     client.disconnectFromHost();
     show(MailStatus::kSent);
     outcome.sent = true;
+    outcome.mail = {recipients, oneLine(note.subject.trimmed()), pieces.constLast()};
     return outcome;
 }
 
