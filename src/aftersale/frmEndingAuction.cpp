@@ -509,7 +509,10 @@ void frmEndingAuction::refreshSentNotes()
     MailLog log(m_ctx.itemDatabase);
     const std::optional<QList<LoggedNote>> notes = log.forItem(Data1->bookmark());
     if (!notes) {
-        m_ctx.prompts.message(mailLogNotRead(log.error()), kMailLogTitle, PromptIcon::Exclamation);
+        // Said in the list rather than in a box, which would come back with every move.
+        auto* row = new QTreeWidgetItem(list, {QString(), kMailLogTitle, log.error()});
+        row->setFlags(Qt::NoItemFlags);
+        row->setToolTip(2, mailLogNotRead(log.error()));
         return;
     }
     for (const LoggedNote& note : *notes) {
@@ -523,7 +526,7 @@ void frmEndingAuction::refreshSentNotes()
 
 frmSentNote* frmEndingAuction::openSentNote(QTreeWidgetItem* row)
 {
-    if (!row)
+    if (!row || !row->data(0, Qt::UserRole).isValid())
         return nullptr;
     MailLog log(m_ctx.itemDatabase);
     const std::optional<LoggedNote> note = log.note(row->data(0, Qt::UserRole).toLongLong());

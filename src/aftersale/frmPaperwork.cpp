@@ -9,6 +9,8 @@
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
+#include <QPageSize>
 #include <QPrintDialog>
 #include <QPrintPreviewWidget>
 #include <QPushButton>
@@ -42,6 +44,10 @@ frmPaperwork::frmPaperwork(AppContext& ctx, PaperKind kind, const QString& html,
 {
     setObjectName(QStringLiteral("frmPaperwork"));
     setWindowTitle(paperTitle(kind));
+    // Without a printer chosen yet, the paper the seller's country uses.
+    m_printer.setPageSize(QPageSize(QLocale().measurementSystem() == QLocale::ImperialUSSystem
+                                        ? QPageSize::Letter
+                                        : QPageSize::A4));
     m_printer.setPageMargins(QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm),
                              QPageLayout::Millimeter);
     m_printer.setDocName(baseName);
