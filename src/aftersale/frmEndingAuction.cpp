@@ -173,6 +173,9 @@ frmEndingAuction::frmEndingAuction(AppContext& ctx, QWidget* parent)
     // Loading: Data1 on the whole Items table; activation picks the item.
     Data1->setRecordSource(QStringLiteral("Items"));
     Data1->refresh();
+    // The notes list and paperwork row leave a small screen too little height for the frame:
+    // there the frame scrolls instead of pushing the window off the screen.
+    scrollWhenShort(*ui->framEndAuction);
     fitToScreen(*this);
 }
 

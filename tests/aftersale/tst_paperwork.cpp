@@ -101,11 +101,11 @@ void TestPaperwork::savesOnePagePdf_data()
 {
     QTest::addColumn<PaperKind>("kind");
     QTest::addColumn<QString>("button");
-    QTest::addColumn<QStringList>("shown");    // what the preview's page must hold
+    QTest::addColumn<QStringList>("shown");    // what the PDF's page must hold
     QTest::addColumn<QStringList>("notShown"); // and must not
     QTest::newRow("invoice") << PaperKind::Invoice << "cmdInvoice"
-                             << QStringList{"Pat & Co",  "$1,234.50",  "$3.20",
-                                            "$1,237.70", "Sam's Shop", "Smalltown, OH 44000"}
+                             << QStringList{"Pat & Co",  "$1,234.50",  "$4.10",
+                                            "$1,238.60", "Sam's Shop", "Smalltown, OH 44000"}
                              << QStringList{"{{"};
     QTest::newRow("packing slip") << PaperKind::PackingSlip << "cmdPackingSlip"
                                   << QStringList{"Pat & Co", "1Z999", "Dayton, NY 12345",
@@ -139,8 +139,8 @@ void TestPaperwork::savesOnePagePdf()
     s.options.sendAddress[3] = QStringLiteral("Smalltown, OH 44000");
     QWidget owner;
     frmEndingAuction* ending = frmEndingAuction::openEndingAuction(env.context(), {}, owner);
-    // The shipping box as the seller left it, not as stored.
-    qobject_cast<QLineEdit*>(ending->field(28))->setText(QStringLiteral("$3.20"));
+    // Shipping as the seller just typed it, not yet stored.
+    qobject_cast<QLineEdit*>(ending->field(28))->setText(QStringLiteral("$4.10"));
 
     QFETCH(QString, button);
     QTest::mouseClick(ending->findChild<QPushButton*>(button), Qt::LeftButton);
