@@ -13,6 +13,8 @@ install(FILES
     ${TB_RESOURCES_DIR}/logovksm.gif
     ${TB_RESOURCES_DIR}/tb2ug.htm
     ${TB_RESOURCES_DIR}/URLSetup.htm
+    ${TB_RESOURCES_DIR}/Invoice.htm
+    ${TB_RESOURCES_DIR}/PackingSlip.htm
     ${TB_RESOURCES_DIR}/standard.tbt
     ${TB_RESOURCES_DIR}/schema.sql
     DESTINATION ${TB_SHARE_DIR})

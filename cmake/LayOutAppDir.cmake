@@ -1,12 +1,19 @@
 # cmake -DRESOURCES=... -DAPPDIR=... -P LayOutAppDir.cmake
 # Copies the program's media and pages into the application folder, replacing only what
-# changed. tb2.mdb is not touched here.
+# changed. tb2.mdb is not touched here, nor invoice and packing slip templates already there.
 set(files logovksm.gif tb2ug.htm URLSetup.htm standard.tbt)
+# Templates the seller may edit in place: copied only when the folder has none.
+set(seeded Invoice.htm PackingSlip.htm)
 set(dirs Backgr Images Sounds)
 file(MAKE_DIRECTORY ${APPDIR})
 foreach(f ${files})
     if(EXISTS ${RESOURCES}/${f})
         file(COPY_FILE ${RESOURCES}/${f} ${APPDIR}/${f} ONLY_IF_DIFFERENT)
+    endif()
+endforeach()
+foreach(f ${seeded})
+    if(EXISTS ${RESOURCES}/${f} AND NOT EXISTS ${APPDIR}/${f})
+        file(COPY_FILE ${RESOURCES}/${f} ${APPDIR}/${f})
     endif()
 endforeach()
 foreach(d ${dirs})

@@ -159,6 +159,12 @@ MailOutcome sendNote(SmtpClient& client, const MailSettings& settings, const Mai
     client.disconnectFromHost();
     show(MailStatus::kSent);
     outcome.sent = true;
+    // The message data ends in a line break before the closing dot; the client adds one when
+    // the body has none, so the server holds the body with it.
+    QByteArray body = pieces.constLast();
+    if (!body.isEmpty() && !body.endsWith("\r\n"))
+        body += "\r\n";
+    outcome.mail = {recipients, oneLine(note.subject.trimmed()), body};
     return outcome;
 }
 

@@ -25,9 +25,19 @@ struct MailNote
     QString to, cc, subject, body;
 };
 
+// What the server was handed, once it took the message: the envelope recipients, the subject
+// as a mail reader decodes it and the body bytes after the header, CR LF line breaks included.
+struct SentMail
+{
+    QStringList recipients;
+    QString subject;
+    QByteArray body;
+};
+
 struct MailOutcome
 {
     bool sent = false;
+    SentMail mail;      // filled when sent
     int code = 0;       // an SmtpErrors.h code when not sent
     QString detail;     // the library's or the server's words, for diagnostics
     QString notice;     // for the failure box, after the code's text (secure-mail failures)

@@ -1,6 +1,9 @@
 #include "aftersale/frmEndingAuction.h"
 
 #include "aftersale/FeedbackForm.h"
+#include "aftersale/MailLog.h"
+#include "aftersale/frmPaperwork.h"
+#include "aftersale/frmSentNote.h"
 #include "aftersale/texts.h"
 #include "db/DataBinder.h"
 #include "platform/DateText.h"
@@ -18,10 +21,12 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QStyle>
 #include <QToolBar>
+#include <QTreeWidget>
 
 using namespace AfterSaleTexts;
 
@@ -164,9 +169,13 @@ frmEndingAuction::frmEndingAuction(AppContext& ctx, QWidget* parent)
     buildToolbar();
     bindFields();
     connectCommands();
+    setUpSentNotes();
     // Loading: Data1 on the whole Items table; activation picks the item.
     Data1->setRecordSource(QStringLiteral("Items"));
     Data1->refresh();
+    // The notes list and paperwork row leave a small screen too little height for the frame:
+    // there the frame scrolls instead of pushing the window off the screen.
+    scrollWhenShort(*ui->framEndAuction);
     fitToScreen(*this);
 }
 
@@ -219,6 +228,19 @@ void frmEndingAuction::buildToolbar()
     }
 }
 
+void frmEndingAuction::setUpSentNotes()
+{
+    QTreeWidget* list = ui->lstSentNotes;
+    list->setHeaderLabels({kSentNotesDate, kSentNotesKind, kSentNotesSubject});
+    list->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    list->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    list->header()->setStretchLastSection(true);
+    // Activated is a double-click or Enter, whatever the style says about single clicks.
+    connect(list, &QTreeWidget::itemActivated, this,
+            [this](QTreeWidgetItem* row) { openSentNote(row); });
+    connect(Data1, &RecordSet::repositioned, this, &frmEndingAuction::refreshSentNotes);
+}
+
 void frmEndingAuction::bindFields()
 {
     for (const FieldDef& f : kFields) {
@@ -257,6 +279,10 @@ void frmEndingAuction::connectCommands()
     connect(ui->cmdNow1, &QPushButton::clicked, this, [this] { setNow(15); });
     connect(ui->Command1, &QPushButton::clicked, this, [this] { setNow(25); });
     connect(ui->Command2, &QPushButton::clicked, this, [this] { setNow(26); });
+    connect(ui->cmdInvoice, &QPushButton::clicked, this,
+            [this] { openPaperwork(PaperKind::Invoice); });
+    connect(ui->cmdPackingSlip, &QPushButton::clicked, this,
+            [this] { openPaperwork(PaperKind::PackingSlip); });
 }
 
 QWidget* frmEndingAuction::field(int index) const
@@ -468,6 +494,124 @@ void frmEndingAuction::mnuItemShipped_Click()
 void frmEndingAuction::mnuDidntMakeReserve_Click()
 {
     runNote(NoteKind::DidntMakeReserve);
+}
+
+// ---------------------------------------------------------------- mail log
+
+QTreeWidget& frmEndingAuction::sentNotes() const
+{
+    return *ui->lstSentNotes;
+}
+
+void frmEndingAuction::refreshSentNotes()
+{
+    QTreeWidget* list = ui->lstSentNotes;
+    list->clear();
+    if (!Data1->hasCurrent())
+        return;
+    MailLog log(m_ctx.itemDatabase);
+    const std::optional<QList<LoggedNote>> notes = log.forItem(Data1->bookmark());
+    if (!notes) {
+        // Said in the list rather than in a box, which would come back with every move.
+        auto* row = new QTreeWidgetItem(list, {QString(), kMailLogTitle, log.error()});
+        row->setFlags(Qt::NoItemFlags);
+        row->setToolTip(2, mailLogNotRead(log.error()));
+        return;
+    }
+    for (const LoggedNote& note : *notes) {
+        auto* row = new QTreeWidgetItem(
+            list, {DateText::toDisplay(note.sentAt), noteKindLabel(note.kind), note.subject});
+        row->setData(0, Qt::UserRole, note.id);
+    }
+    if (list->topLevelItemCount() > 0)
+        list->setCurrentItem(list->topLevelItem(list->topLevelItemCount() - 1));
+}
+
+frmSentNote* frmEndingAuction::openSentNote(QTreeWidgetItem* row)
+{
+    if (!row || !row->data(0, Qt::UserRole).isValid())
+        return nullptr;
+    MailLog log(m_ctx.itemDatabase);
+    const std::optional<LoggedNote> note = log.note(row->data(0, Qt::UserRole).toLongLong());
+    if (!note) {
+        m_ctx.prompts.message(mailLogNotRead(log.error()), kMailLogTitle, PromptIcon::Exclamation);
+        return nullptr;
+    }
+    auto* viewer = new frmSentNote(*note, this);
+    viewer->setAttribute(Qt::WA_DeleteOnClose);
+    viewer->show();
+    return viewer;
+}
+
+// ---------------------------------------------------------------- paperwork
+
+std::optional<PaperworkData> frmEndingAuction::paperworkData()
+{
+    PaperworkData d;
+    const OptionsRecord& o = m_ctx.state.options;
+    for (int i = 0; i < 4; ++i)
+        d.sellerAddress[i] = o.sendAddress[i];
+    d.buyerEmail = fieldText(16);
+    d.buyerName = fieldText(17);
+    for (int i = 0; i < 3; ++i)
+        d.street[i] = fieldText(18 + i);
+    d.city = fieldText(21);
+    d.state = fieldText(22);
+    d.zip = fieldText(23);
+    d.buyerPhone = fieldText(24);
+    d.trackingNumber = fieldText(1);
+    d.itemNumber = Data1->text(QStringLiteral("EbayID"));
+    d.description = Data1->text(QStringLiteral("ShortDescription"));
+    d.date = QDate::currentDate();
+
+    // The amounts as they stand on screen; an empty box is nothing owed.
+    const struct
+    {
+        int index;
+        Money* amount;
+        const char* caption;
+    } amounts[] = {{11, &d.price, "sell price"},
+                   {28, &d.shipping, "shipping cost"},
+                   {29, &d.insurance, "insurance cost"}};
+    for (const auto& a : amounts) {
+        const QString text = fieldText(a.index).trimmed();
+        if (text.isEmpty())
+            continue;
+        const std::optional<Money> amount = Currency::parse(text);
+        if (!amount) {
+            m_ctx.prompts.message(notAnAmount(QLatin1String(a.caption), text),
+                                  kMissingInformationTitle, PromptIcon::Exclamation);
+            field(a.index)->setFocus();
+            return std::nullopt;
+        }
+        *a.amount = *amount;
+    }
+    return d;
+}
+
+frmPaperwork* frmEndingAuction::openPaperwork(PaperKind kind)
+{
+    if (!Data1->hasCurrent())
+        return nullptr;
+    const QString path = m_ctx.appFile(paperTemplateName(kind));
+    QString why;
+    const std::optional<QString> html = readPaperTemplate(path, why);
+    if (!html) {
+        m_ctx.prompts.message(templateNotRead(path, why), paperTitle(kind),
+                              PromptIcon::Exclamation);
+        return nullptr;
+    }
+    const std::optional<PaperworkData> data = paperworkData();
+    if (!data)
+        return nullptr;
+    QString baseName = paperTitle(kind).remove(u' ');
+    if (!data->itemNumber.trimmed().isEmpty())
+        baseName += u'-' + data->itemNumber.trimmed();
+    auto* preview =
+        new frmPaperwork(m_ctx, kind, fillPaperwork(*html, paperworkValues(*data)), baseName, this);
+    preview->setAttribute(Qt::WA_DeleteOnClose);
+    preview->show();
+    return preview;
 }
 
 // ---------------------------------------------------------------- feedback

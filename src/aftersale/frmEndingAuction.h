@@ -1,6 +1,7 @@
 #pragma once
 
 #include "aftersale/NoteComposer.h"
+#include "aftersale/Paperwork.h"
 #include "db/RecordSet.h"
 
 #include <QHash>
@@ -13,6 +14,10 @@ class frmEndingAuction;
 }
 class QAction;
 class QLineEdit;
+class QTreeWidget;
+class QTreeWidgetItem;
+class frmPaperwork;
+class frmSentNote;
 struct AppContext;
 struct NoteProblem;
 
@@ -64,6 +69,17 @@ public:
     void mnuFeedbackLeave_Click();
     void mnuFeedbackView_Click();
 
+    // The notes sent for the record Data1 stands on, oldest first: date, kind, subject. Each
+    // row keeps its mail log id under Qt::UserRole.
+    QTreeWidget& sentNotes() const;
+    void refreshSentNotes();
+    // Opens the row's note read-only; nullptr when it cannot be read (the user has been told).
+    frmSentNote* openSentNote(QTreeWidgetItem* row);
+
+    // Invoice... and Packing Slip...: the preview of the filled template, or nullptr when the
+    // template or an amount stopped it (the user has been told).
+    frmPaperwork* openPaperwork(PaperKind kind);
+
 signals:
     // A note passed its checks and is ready for the note window; NoteKind is set.
     void noteComposed(const ComposedNote& note);
@@ -79,6 +95,7 @@ private:
     class Binding;
 
     void buildToolbar();
+    void setUpSentNotes();
     void bindFields();
     void connectCommands();
     void runNote(NoteKind kind);
@@ -86,6 +103,7 @@ private:
     void openOptions();
     NoteFields noteFields() const;
     NoteItem noteItem() const;
+    std::optional<PaperworkData> paperworkData();
     void onFieldChanged(int index);
     void onMoneyFieldLeft(int index);
     void showMoneyAsCurrency();

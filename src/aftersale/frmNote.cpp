@@ -1,5 +1,6 @@
 #include "aftersale/frmNote.h"
 
+#include "aftersale/MailLog.h"
 #include "aftersale/frmEndingAuction.h"
 #include "aftersale/texts.h"
 #include "platform/Prompts.h"
@@ -36,6 +37,9 @@ frmNote::~frmNote() = default;
 bool frmNote::showNote(const ComposedNote& note)
 {
     m_kind = note.kind;
+    // The item window may move on while this window is open; the note stays with its item.
+    m_itemId = m_ending && m_ending->data().hasCurrent() ? m_ending->data().bookmark()
+                                                         : m_ctx.state.currentItemId;
     m_ctx.state.noteKind = noteKindName(note.kind);
     setWindowTitle(note.caption);
     ui->txtTo->setText(note.to);
@@ -143,6 +147,27 @@ void frmNote::cmdSend_Click()
     ++m_beeps;
     QApplication::beep();
     stampDate();
+    keepInLog(m_outcome.mail);
+}
+
+void frmNote::keepInLog(const SentMail& mail)
+{
+    const NoteKind kind = noteKindFromName(m_ctx.state.noteKind).value_or(m_kind);
+    MailLog log(m_ctx.itemDatabase);
+    const LoggedNote note{0,
+                          m_itemId,
+                          QDateTime::currentDateTime(),
+                          kind,
+                          mail.recipients.join(u'\n'),
+                          mail.subject,
+                          QString::fromUtf8(mail.body)};
+    // The note has gone out whatever happens here: the status and the stamped date stay.
+    if (!log.add(note)) {
+        m_ctx.prompts.message(mailLogNotKept(log.error()), kMailLogTitle, PromptIcon::Exclamation);
+        return;
+    }
+    if (m_ending && m_ending->data().bookmark() == m_itemId)
+        m_ending->refreshSentNotes();
 }
 
 void frmNote::stampDate()

@@ -53,12 +53,14 @@ private:
     MailNote noteFromFields() const;
     MailSettings mailSettings(const QString& sendFrom) const;
     void stampDate();
+    void keepInLog(const SentMail& mail);
 
     AppContext& m_ctx;
     std::unique_ptr<Ui::frmNote> ui;
     QPointer<frmEndingAuction> m_ending;
     SmtpClient* SmtpClient1 = nullptr; // child
     NoteKind m_kind = NoteKind::WinningConfirmation;
+    qint64 m_itemId = 0; // the item the note was composed for, for the mail log
     MailOutcome m_outcome;
     bool m_sending = false;
     bool m_closeWhenSent = false;

@@ -113,4 +113,42 @@ inline const QString kNoRemotePort =
     QStringLiteral("A Remote Port must be specified on the options screen before sending "
                    "messages. Message not sent.");
 
+// ---------------------------------------------------------------- mail log and paperwork
+
+inline const QString kMailLogTitle = QStringLiteral("Mail Log");
+inline QString mailLogNotKept(const QString& why)
+{
+    return QLatin1String("The note was sent, but it could not be kept in the mail log in "
+                         "tb2.mdb.\n\n") +
+           why;
+}
+inline QString mailLogNotRead(const QString& why)
+{
+    return QLatin1String("The notes sent for this item could not be read from the mail log in "
+                         "tb2.mdb.\n\n") +
+           why;
+}
+inline const QString kSentNotesDate = QStringLiteral("Date");
+inline const QString kSentNotesKind = QStringLiteral("Kind");
+inline const QString kSentNotesSubject = QStringLiteral("Subject");
+inline const QString kSentNoteCaption = QStringLiteral("Sent Note");
+
+inline QString templateNotRead(const QString& path, const QString& why)
+{
+    return QLatin1String("The template ") + path + QLatin1String(" could not be read (") + why +
+           QLatin1String(").\n\nPut the file back into the application folder and try again.");
+}
+inline QString notAnAmount(const QString& caption, const QString& text)
+{
+    return QLatin1String("The ") + caption + QLatin1String(" \"") + text +
+           QLatin1String("\" is not an amount. Please correct it before printing.");
+}
+inline const QString kSavePdfTitle = QStringLiteral("Save as PDF");
+inline const QString kPdfFilter = QStringLiteral("PDF Files (*.pdf)|*.pdf");
+inline QString pdfNotWritten(const QString& path, const QString& why)
+{
+    return QLatin1String("The PDF file could not be written to ") + path + QLatin1String(".\n\n") +
+           why;
+}
+
 } // namespace AfterSaleTexts
