@@ -45,5 +45,7 @@ CREATE INDEX ItemsByEbayID ON Items (EbayID)
 ;;
 CREATE INDEX ItemsByActive ON Items (Active)
 ;;
+CREATE INDEX ItemListByDateAuctionEnds ON Items (DateAuctionEnds, Active)
+;;
 CREATE VIEW ClosedItems AS SELECT * FROM Items WHERE Active = 0
 ;;

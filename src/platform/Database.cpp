@@ -264,6 +264,9 @@ DatabaseOpenResult openDatabase(const QString& path, const QString& connectionNa
     // touching the rows (descriptions run to several KB). Databases made before it get it on
     // their first open; a file that cannot be written simply goes without.
     q.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS ItemsByActive ON Items (Active)"));
+    // Reports choose items by end date, and the item list sorts by it under the same name.
+    q.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS ItemListByDateAuctionEnds ON Items "
+                          "(DateAuctionEnds, Active)"));
     q.finish();
     result.database = db;
     return result;
