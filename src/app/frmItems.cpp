@@ -609,7 +609,13 @@ QDate frmItems::shownDate(int index) const
 
 void frmItems::showLogo()
 {
-    QPixmap logo(m_ctx.appFile(QStringLiteral("logovksm.gif")));
+    // Read once: most items show it, and reading a picture costs more than the rest of a move.
+    const QString path = m_ctx.appFile(QStringLiteral("logovksm.gif"));
+    if (m_logo.isNull() || path != m_logoPath) {
+        m_logo = QPixmap(path);
+        m_logoPath = path;
+    }
+    const QPixmap& logo = m_logo;
     ui->Picture2->setPixmap(logo);
     ui->Picture2->resize(logo.isNull() ? QSize(0, 0) : logo.size());
     ui->HScroll1->hide();

@@ -6,6 +6,7 @@
 
 #include <QHash>
 #include <QMainWindow>
+#include <QPixmap>
 #include <array>
 #include <memory>
 
@@ -141,6 +142,8 @@ private:
     RecordSet* Data1;
     DataBinder m_binder;
     std::array<QWidget*, 15> txtFields{};
+    QPixmap m_logo; // the picture shown for an item without pictures, and where it was read
+    QString m_logoPath;
     std::array<QLabel*, 17> txtLabels{};
     std::array<QPushButton*, 3> cmdFind{};
     std::array<QAction*, 10> mnuLinks{};
