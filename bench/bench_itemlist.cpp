@@ -5,6 +5,7 @@
 // until the narrowed rows are shown.
 //
 //     bench_itemlist [--items 100000] [--data DIR] [--runs 5]
+#include "BenchTiming.h"
 #include "GeneratedItems.h"
 #include "db/ItemListModel.h"
 #include "db/ItemSql.h"
@@ -32,20 +33,6 @@
 namespace {
 
 constexpr double kGoalMs = 100;
-
-double medianOf(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-double msOf(const std::function<void()>& work)
-{
-    QElapsedTimer t;
-    t.start();
-    work();
-    return t.nsecsElapsed() / 1e6;
-}
 
 QString makeDatabase(const QString& dataDir, int items)
 {

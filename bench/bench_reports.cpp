@@ -6,6 +6,7 @@
 //
 //     QT_QPA_PLATFORM=offscreen bench_reports [--items 100000] [--year 2017] [--data DIR] [--runs
 //     5]
+#include "BenchTiming.h"
 #include "GeneratedItems.h"
 #include "platform/Database.h"
 #include "platform/ScriptedPrompts.h"
@@ -32,20 +33,6 @@
 namespace {
 
 constexpr double kGoalMs = 500;
-
-double medianOf(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-double msOf(const std::function<void()>& work)
-{
-    QElapsedTimer t;
-    t.start();
-    work();
-    return double(t.nsecsElapsed()) / 1e6;
-}
 
 // SQLite stepping through a statement and reading every column it yields; the first row's
 // first two columns are kept (the aggregate's count and sum).

@@ -5,6 +5,7 @@
 // its goal.
 //
 //     bench_scale [--sizes 1000,10000,100000] [--data DIR] [--runs 7]
+#include "BenchTiming.h"
 #include "GeneratedItems.h"
 #include "app/FindCriteria.h"
 #include "app/Launcher.h"
@@ -41,12 +42,6 @@ namespace {
 QElapsedTimer gSinceStart;
 
 // ---------------------------------------------------------------- measuring
-
-double medianOf(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
 
 // Runs ours and the reference alternately, so both meet the same machine; median ms of each.
 std::pair<double, double> timeBoth(int runs, const std::function<void()>& ours,
