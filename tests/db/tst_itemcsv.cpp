@@ -1,5 +1,6 @@
 // Items to and from CSV: files as other programs write them, the value forms read, the round
-// trip through a real database, and imports that fail or are cancelled leaving no trace.
+// trip through a real database, and exports and imports that fail or are cancelled leaving no
+// trace.
 #include "../support/TestEnvironment.h"
 #include "db/ItemColumns.h"
 #include "db/ItemCsv.h"
@@ -33,17 +34,21 @@ QByteArray readBytes(const QString& path)
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
-// Every item, every column but ID, in key order.
-QList<QVariantList> allItems(const QSqlDatabase& db)
+// Every item, every column but ID, in key order: one line per item of each value's type and
+// text, NULL for no value.
+QStringList allItems(const QSqlDatabase& db)
 {
-    QList<QVariantList> out;
+    QStringList out;
     QSqlQuery q(db);
     q.exec(QStringLiteral("SELECT * FROM Items ORDER BY ID"));
     while (q.next()) {
-        QVariantList row;
-        for (int c = 1; c < ItemColumns::names().size(); ++c)
-            row << q.value(c);
-        out << row;
+        QStringList row;
+        for (int c = 1; c < ItemColumns::names().size(); ++c) {
+            const QVariant v = q.value(c);
+            row << (v.isNull() ? QStringLiteral("NULL")
+                               : QString::fromLatin1(v.typeName()) + u':' + v.toString());
+        }
+        out << row.join(u'|');
     }
     return out;
 }
@@ -56,18 +61,12 @@ class TestItemCsv : public QObject
 private slots:
     void parse_data();
     void parse();
-    void recordLines();
-    void separator_data();
-    void separator();
-    void format_data();
-    void format();
     void importValue_data();
     void importValue();
     void plan_data();
     void plan();
     void exportedText();
     void roundTrip();
-    void exportCancelledKeepsTheOldFile();
     void importRolledBack_data();
     void importRolledBack();
 };
@@ -75,89 +74,36 @@ private slots:
 void TestItemCsv::parse_data()
 {
     QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("separator");
     QTest::addColumn<Records>("records");
-    QTest::newRow("plain, CRLF") << "a,b\r\n1,2\r\n"
-                                 << "," << Records{{"a", "b"}, {"1", "2"}};
-    QTest::newRow("LF only, no final break") << "a,b\n1,2"
-                                             << "," << Records{{"a", "b"}, {"1", "2"}};
-    QTest::newRow("comma inside quotes") << "a,b\r\n\"Lamp, brass\",2\r\n"
-                                         << "," << Records{{"a", "b"}, {"Lamp, brass", "2"}};
-    QTest::newRow("doubled quotes") << "\"He said \"\"mint\"\"\",\"\"\"\"\n"
-                                    << "," << Records{{"He said \"mint\"", "\""}};
-    QTest::newRow("CRLF inside quotes") << "\"line 1\r\nline 2\",x\r\n"
-                                        << "," << Records{{"line 1\r\nline 2", "x"}};
-    QTest::newRow("blank lines skipped") << "a\r\n\r\nb\n\n"
-                                         << "," << Records{{"a"}, {"b"}};
-    QTest::newRow("empty fields kept") << ",\"\",\r\n"
-                                       << "," << Records{{"", "", ""}};
-    QTest::newRow("byte-order mark dropped") << "\uFEFFID,Cost\n"
-                                             << "," << Records{{"ID", "Cost"}};
-    QTest::newRow("semicolons, commas are text") << "a;b\r\n1,5;\"x;y\"\r\n"
-                                                 << ";" << Records{{"a", "b"}, {"1,5", "x;y"}};
-    QTest::newRow("stray quote kept as written") << "5\" tall,2\n"
-                                                 << "," << Records{{"5\" tall", "2"}};
-    QTest::newRow("old Mac line ends") << "a,b\r1,2\r"
-                                       << "," << Records{{"a", "b"}, {"1", "2"}};
+    const auto add = [](const char* name, const QString& text, const Records& records) {
+        QTest::newRow(name) << text << records;
+    };
+    add("LF only, no final break", "a,b\n1,2", {{"a", "b"}, {"1", "2"}});
+    add("old Mac line ends", "a,b\r1,2\r", {{"a", "b"}, {"1", "2"}});
+    add("quoted separator, quotes, breaks",
+        "\"Lamp, brass\",\"say \"\"hi\"\"\",\"\"\"\"\n"
+        "\"line 1\r\nline 2\",\"x\ry\",\n",
+        {{"Lamp, brass", "say \"hi\"", "\""}, {"line 1\r\nline 2", "x\ry", ""}});
+    add("blank lines skipped", "a\r\n\r\nb\n\n", {{"a"}, {"b"}});
+    add("empty fields kept", ",\"\",\r\n", {{"", "", ""}});
+    add("semicolons, commas are text", "a;b\r\n1,5;\"x;y\"\r\n", {{"a", "b"}, {"1,5", "x;y"}});
+    add("separator told from the header only", "ID;Cost\n1,2,3,4\n", {{"ID", "Cost"}, {"1,2,3,4"}});
+    add("semicolons inside a quoted name", "\"a;b;c\",d\n", {{"a;b;c", "d"}});
+    add("stray quote kept as written", "5\" tall,2\n", {{"5\" tall", "2"}});
 }
 
+// Read with the separator the header tells; written back record by record, it reads the same.
 void TestItemCsv::parse()
 {
     QFETCH(QString, text);
-    QFETCH(QString, separator);
     QFETCH(Records, records);
-    QCOMPARE(fieldsOf(ItemCsv::parse(text, separator.at(0))), records);
-}
-
-// The line a record starts on counts the breaks inside quoted fields before it, so the preview
-// names the line an editor shows.
-void TestItemCsv::recordLines()
-{
-    const auto records = ItemCsv::parse(u"h\r\n\"a\r\nb\r\nc\"\r\n\r\nnext\r\n\"open", u',');
-    QCOMPARE(records.size(), 4);
-    QCOMPARE(records.at(1).line, 2);
-    QCOMPARE(records.at(2).line, 6);
-    QCOMPARE(records.at(3).line, 7);
-    QVERIFY(records.at(2).problem.isEmpty());
-    QVERIFY(records.at(3).problem.contains(QLatin1String("not closed")));
-}
-
-void TestItemCsv::separator_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("separator");
-    QTest::newRow("commas") << "ID,EbayID,Cost\n1;2;3;4\n"
-                            << ",";
-    QTest::newRow("semicolons") << "ID;EbayID;Cost\n1,2,3,4\n"
-                                << ";";
-    QTest::newRow("semicolon inside a quoted name") << "\"a;b;c\",d\n"
-                                                    << ",";
-}
-
-void TestItemCsv::separator()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, separator);
-    QCOMPARE(ItemCsv::detectSeparator(text), separator.at(0));
-}
-
-void TestItemCsv::format_data()
-{
-    QTest::addColumn<QStringList>("fields");
-    QTest::addColumn<QString>("line");
-    QTest::newRow("plain") << QStringList{"a", "", "12.5"} << "a,,12.5\r\n";
-    QTest::newRow("comma, quote, break")
-        << QStringList{"a,b", "say \"hi\"", "1\n2"} << "\"a,b\",\"say \"\"hi\"\"\",\"1\n2\"\r\n";
-    QTest::newRow("lone carriage return") << QStringList{"x\ry"} << "\"x\ry\"\r\n";
-}
-
-void TestItemCsv::format()
-{
-    QFETCH(QStringList, fields);
-    QFETCH(QString, line);
-    QCOMPARE(ItemCsv::formatRecord(fields), line);
-    // What is written reads back the same.
-    QCOMPARE(fieldsOf(ItemCsv::parse(line, u',')), Records{fields});
+    const QChar separator = ItemCsv::detectSeparator(text);
+    QCOMPARE(fieldsOf(ItemCsv::parse(text, separator)), records);
+    QString written;
+    for (const QStringList& fields : records)
+        written += ItemCsv::formatRecord(fields, separator);
+    QVERIFY(written.endsWith(QLatin1String("\r\n")));
+    QCOMPARE(fieldsOf(ItemCsv::parse(written, separator)), records);
 }
 
 void TestItemCsv::importValue_data()
@@ -166,50 +112,28 @@ void TestItemCsv::importValue_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QVariant>("stored");
     QTest::addColumn<QString>("problem"); // a part of the reason; "" when the text is read
-    const QVariant noMoney(QMetaType(QMetaType::LongLong));
-    QTest::newRow("money blank is no amount, not 0") << "Cost"
-                                                     << "  " << noMoney << "";
-    QTest::newRow("money plain") << "Cost"
-                                 << "12.5" << QVariant(125000LL) << "";
-    QTest::newRow("money negative") << "SalePrice"
-                                    << "-3" << QVariant(-30000LL) << "";
-    QTest::newRow("money sign and grouping") << "Reserve"
-                                             << "$1,234.56" << QVariant(12345600LL) << "";
-    QTest::newRow("decimal comma refused") << "Cost"
-                                           << "12,50" << QVariant() << "not an amount";
-    QTest::newRow("bad grouping refused") << "Cost"
-                                          << "1,2345" << QVariant() << "not an amount";
-    QTest::newRow("words refused") << "LastPrice"
-                                   << "ten" << QVariant() << "LastPrice: \"ten\"";
-    QTest::newRow("date ISO") << "DateAuctionEnds"
-                              << "2026-11-23 20:45:01" << QVariant("2026-11-23 20:45:01") << "";
-    QTest::newRow("date ISO with T")
-        << "LastChecked"
-        << "2026-11-23T20:45:01" << QVariant("2026-11-23 20:45:01") << "";
-    QTest::newRow("date ISO without seconds")
-        << "LastChecked"
-        << "2026-11-23T20:45" << QVariant("2026-11-23 20:45:00") << "";
-    QTest::newRow("date only") << "DateItemShipped"
-                               << "2026-02-03" << QVariant("2026-02-03 00:00:00") << "";
-    QTest::newRow("date in the locale's form")
-        << "DatePaymentRecd"
-        << "2/3/2026" << QVariant("2026-02-03 00:00:00") << "";
-    QTest::newRow("no such month") << "DateAuctionStarted"
-                                   << "2026-13-01" << QVariant() << "not a date";
-    QTest::newRow("Active blank is Yes") << "Active"
-                                         << "" << QVariant(1LL) << "";
-    QTest::newRow("FeedbackComplete blank is No") << "FeedbackComplete"
-                                                  << "" << QVariant(0LL) << "";
-    QTest::newRow("Yes/No words") << "Active"
-                                  << "FALSE" << QVariant(0LL) << "";
-    QTest::newRow("Yes/No unreadable") << "Active"
-                                       << "maybe" << QVariant() << "not Yes or No";
-    QTest::newRow("text too long") << "ShortDescription" << QString(256, u'x') << QVariant()
-                                   << "too long (256 characters, at most 255)";
-    QTest::newRow("description at its limit")
-        << "Description" << QString(65536, u'x') << QVariant(QString(65536, u'x')) << "";
-    QTest::newRow("description too long")
-        << "Description" << QString(65537, u'x') << QVariant() << "too long";
+    const auto add = [](const char* name, const char* column, const QString& text,
+                        const QVariant& stored, const char* problem = "") {
+        QTest::newRow(name) << QString::fromLatin1(column) << text << stored
+                            << QString::fromLatin1(problem);
+    };
+    add("money blank is no amount, not 0", "Cost", "  ", QVariant(QMetaType(QMetaType::LongLong)));
+    add("money sign and grouping", "Reserve", "$1,234.56", 12345600LL);
+    add("decimal comma refused", "Cost", "12,50", {}, "not an amount");
+    add("bad grouping refused", "Cost", "1,2345", {}, "not an amount");
+    add("date ISO with T", "LastChecked", "2026-11-23T20:45:01", "2026-11-23 20:45:01");
+    add("date ISO without seconds", "LastChecked", "2026-11-23T20:45", "2026-11-23 20:45:00");
+    add("date only", "DateItemShipped", "2026-02-03", "2026-02-03 00:00:00");
+    add("date in the locale's form", "DatePaymentRecd", "2/3/2026", "2026-02-03 00:00:00");
+    add("no such month", "DateAuctionStarted", "2026-13-01", {}, "not a date");
+    add("Active blank is Yes", "Active", "", 1LL);
+    add("FeedbackComplete blank is No", "FeedbackComplete", "", 0LL);
+    add("Yes/No words", "Active", "FALSE", 0LL);
+    add("Yes/No unreadable", "Active", "maybe", {}, "not Yes or No");
+    add("text too long", "ShortDescription", QString(256, u'x'), {},
+        "ShortDescription: too long (256 characters, at most 255)");
+    add("description at its limit", "Description", QString(65536, u'x'), QString(65536, u'x'));
+    add("description too long", "Description", QString(65537, u'x'), {}, "too long");
 }
 
 void TestItemCsv::importValue()
@@ -236,76 +160,68 @@ void TestItemCsv::plan_data()
     QTest::addColumn<QStringList>("columns");
     QTest::addColumn<QStringList>("unknown");
     QTest::addColumn<int>("good");
-    QTest::addColumn<QStringList>("problems"); // "line: part of the reason"
-    QTest::addColumn<QString>("error");
-    QTest::newRow("spreadsheet, BOM, CRLF, quotes")
-        << QByteArray("\xEF\xBB\xBFShortDescription,Description,Cost\r\n"
-                      "\"Lamp, brass\",\"Two lines\r\nof \"\"text\"\"\",12.50\r\n"
-                      "Vase,,\r\n")
-        << QStringList{"ShortDescription", "Description", "Cost"} << QStringList{} << 2
-        << QStringList{} << "";
-    QTest::newRow("semicolons, header letter case")
-        << QByteArray("shortdescription;COST;active\n\"a;b\";1,000.5;No\n")
-        << QStringList{"ShortDescription", "Cost", "Active"} << QStringList{} << 1 << QStringList{}
-        << "";
-    QTest::newRow("unknown columns and ID skipped")
-        << QByteArray("ID,Colour,EbayID,Weight,EbayID,\n7,red,123,2kg,456,\n")
-        << QStringList{"EbayID"} << QStringList{"Colour", "Weight", "EbayID"} << 1 << QStringList{}
-        << "";
-    QTest::newRow("bad rows with reasons")
-        << QByteArray("ShortDescription,Cost,DateAuctionEnds\n"
-                      "ok,1,2026-01-02\n"
-                      "money,1.2.3,\n"
-                      "date,,31/31/2026\n"
-                      "short row,1\n"
-                      "long row,1,,extra\n"
-                      "ok too,,\n"
-                      "\"never closed,1,\n")
-        << QStringList{"ShortDescription", "Cost", "DateAuctionEnds"} << QStringList{} << 2
-        << QStringList{"3: Cost: \"1.2.3\" is not an amount",
-                       "4: DateAuctionEnds: \"31/31/2026\" is not a date",
-                       "5: 2 fields where the header has 3", "6: 4 fields where the header has 3",
-                       "8: a quoted field is not closed"}
-        << "";
-    QTest::newRow("Windows-1252 text")
-        << QByteArray("ShortDescription\nCaf\xE9 chair\n") << QStringList{"ShortDescription"}
-        << QStringList{} << 1 << QStringList{} << "";
-    QTest::newRow("no column of Items")
-        << QByteArray("Name,Price\nx,1\n") << QStringList{} << QStringList{"Name", "Price"} << 0
-        << QStringList{} << "names no column";
-    QTest::newRow("empty file") << QByteArray("\xEF\xBB\xBF\r\n") << QStringList{} << QStringList{}
-                                << 0 << QStringList{} << "empty";
+    QTest::addColumn<QStringList>("problems"); // "line: reason"; or the file's error alone
+    const auto add = [](const char* name, const QByteArray& file, const QStringList& columns,
+                        const QStringList& unknown, int good, const QStringList& problems) {
+        QTest::newRow(name) << file << columns << unknown << good << problems;
+    };
+    add("spreadsheet, BOM, CRLF, quotes",
+        "\xEF\xBB\xBFShortDescription,Description,Cost\r\n"
+        "\"Lamp, brass\",\"Two lines\r\nof \"\"text\"\"\",12.50\r\n"
+        "Vase,,\r\n",
+        {"ShortDescription", "Description", "Cost"}, {}, 2, {});
+    add("semicolons, header letter case", "shortdescription;COST;active\n\"a;b\";1,000.5;No\n",
+        {"ShortDescription", "Cost", "Active"}, {}, 1, {});
+    add("unknown columns and ID skipped", "ID,Colour,EbayID,Weight,EbayID,\n7,red,123,2kg,456,\n",
+        {"EbayID"}, {"Colour", "Weight", "EbayID"}, 1, {});
+    // Lines are counted as an editor shows them: breaks inside quotes and blank lines too.
+    add("bad rows with reasons",
+        "ShortDescription,Cost,DateAuctionEnds\n"
+        "\"ok,\r\nover two lines\",1,2026-01-02\r\n"
+        "\n"
+        "money,1.2.3,\n"
+        "date,,31/31/2026\n"
+        "short row,1\n"
+        "long row,1,,extra\n"
+        "ok too,,\n"
+        "\"never closed,1,\n",
+        {"ShortDescription", "Cost", "DateAuctionEnds"}, {}, 2,
+        {"5: Cost: \"1.2.3\" is not an amount", "6: DateAuctionEnds: \"31/31/2026\" is not a date",
+         "7: 2 fields where the header has 3", "8: 4 fields where the header has 3",
+         "10: a quoted field is not closed"});
+    add("Windows-1252 text", "ShortDescription\nCaf\xE9 chair\n", {"ShortDescription"}, {}, 1, {});
+    add("no column of Items", "Name,Price\nx,1\n", {}, {}, 0, {"names no column"});
+    add("empty file", "\xEF\xBB\xBF\r\n", {}, {}, 0, {"The file is empty."});
 }
 
 void TestItemCsv::plan()
 {
     QFETCH(QByteArray, file);
-    QFETCH(QStringList, columns);
-    QFETCH(QStringList, unknown);
-    QFETCH(int, good);
     QFETCH(QStringList, problems);
-    QFETCH(QString, error);
     QTemporaryDir dir;
     const ItemCsv::ImportPlan plan =
         ItemCsv::planImportFile(writeText(dir.filePath(QStringLiteral("in.csv")), file));
-    if (!error.isEmpty()) {
-        QVERIFY2(plan.error.contains(error), qPrintable(plan.error));
+    QTEST(plan.columns, "columns");
+    if (plan.columns.isEmpty()) {
+        QVERIFY2(plan.error.contains(problems.value(0)) && !plan.ok(), qPrintable(plan.error));
         return;
     }
     QCOMPARE(plan.error, QString());
-    QCOMPARE(plan.columns, columns);
-    QCOMPARE(plan.unknownColumns, unknown);
-    QCOMPARE(plan.goodRows, good);
+    QTEST(plan.unknownColumns, "unknown");
+    QTEST(plan.goodRows, "good");
     QStringList seen;
     for (const ItemCsv::ImportRow& row : plan.rows)
         if (!row.problem.isEmpty())
             seen << QStringLiteral("%1: %2").arg(row.line).arg(row.problem);
     QCOMPARE(seen, problems);
     QCOMPARE(plan.badRows, int(problems.size()));
+    if (QTest::currentDataTag() == QLatin1String("Windows-1252 text"))
+        QCOMPARE(plan.rows.first().values.first().toString(), QStringLiteral("Caf\u00E9 chair"));
 }
 
 // The header names every column in table order; money is plain, dates ISO, Yes/No 1/0; a value
-// kept as typed goes out as kept.
+// kept as typed goes out as kept; fields are quoted only when they must be. A cancelled or
+// failed export leaves the file that was there as it was, and nothing beside it.
 void TestItemCsv::exportedText()
 {
     TestEnvironment env;
@@ -323,22 +239,36 @@ void TestItemCsv::exportedText()
     QCOMPARE(out.count, 2);
     const QString text = QString::fromUtf8(readBytes(path));
     const QStringList lines = text.split(QStringLiteral("\r\n"));
-    QCOMPARE(lines.first(), ItemColumns::names().join(u','));
     QCOMPARE(lines.size(), 4); // header, two items, the last break
+    QCOMPARE(lines.first(), ItemColumns::names().join(u','));
+    QVERIFY2(lines.at(1).contains(QLatin1String(",typed,")), qPrintable(lines.at(1)));
+    QVERIFY2(lines.at(2).contains(QLatin1String(",\"Lamp, \"\"brass\"\"\",")),
+             qPrintable(lines.at(2)));
     const auto fields = ItemCsv::parse(text, u',');
     const auto field = [&](int record, const char* column) {
         return fields.at(record).fields.at(ItemColumns::names().indexOf(QLatin1String(column)));
     };
-    QCOMPARE(field(1, "ShortDescription"), QStringLiteral("typed")); // the order asked for
     QCOMPARE(field(1, "Reserve"), QStringLiteral("about ten"));
     QCOMPARE(field(1, "LastChecked"), QStringLiteral("soon"));
     QCOMPARE(field(1, "Active"), QStringLiteral("1"));
-    QCOMPARE(field(2, "ShortDescription"), QStringLiteral("Lamp, \"brass\""));
     QCOMPARE(field(2, "Cost"), QStringLiteral("12.5"));
     QCOMPARE(field(2, "SalePrice"), QStringLiteral("-0.0001"));
     QCOMPARE(field(2, "DateAuctionEnds"), QStringLiteral("2026-11-23 20:45:01"));
     QCOMPARE(field(2, "Active"), QStringLiteral("0"));
     QCOMPARE(field(2, "Reserve"), QString());
+
+    const QList<qint64> more = env.addNumberedItems(1200);
+    const ItemCsv::Outcome cancelled =
+        ItemCsv::exportItems(env.context().itemDatabase, more, path,
+                             [](qsizetype done, qsizetype) { return done < 500; });
+    QVERIFY(cancelled.cancelled && !cancelled.ok());
+    QCOMPARE(QString::fromUtf8(readBytes(path)), text);
+    QCOMPARE(
+        QDir(env.appPath()).entryList({QStringLiteral("out.csv*")}, QDir::Files | QDir::Hidden),
+        QStringList{QStringLiteral("out.csv")});
+    const ItemCsv::Outcome failed = ItemCsv::exportItems(
+        env.context().itemDatabase, more, env.path(QStringLiteral("no/such/folder/x.csv")));
+    QVERIFY(!failed.ok() && !failed.error.isEmpty());
 }
 
 // Exported from one database and imported into an empty one: the same items, IDs aside.
@@ -358,13 +288,8 @@ void TestItemCsv::roundTrip()
             {"Active", i % 3 == 0 ? 0 : 1},
             {"FeedbackComplete", i % 5 == 0 ? 1 : 0},
             {"TransNotes", i % 7 ? QVariant() : QVariant(" spaced ")}};
-    from.addItems(rows);
-    from.addItems({{}}); // an item with nothing but defaults
-    QList<qint64> ids;
-    QSqlQuery q(from.context().itemDatabase);
-    q.exec(QStringLiteral("SELECT ID FROM Items ORDER BY ID"));
-    while (q.next())
-        ids << q.value(0).toLongLong();
+    rows << QVariantMap(); // an item with nothing but defaults
+    const QList<qint64> ids = from.addItems(rows);
     const QString path = from.path(QStringLiteral("items.csv"));
     QList<qsizetype> steps;
     const ItemCsv::Outcome out = ItemCsv::exportItems(from.context().itemDatabase, ids, path,
@@ -382,44 +307,13 @@ void TestItemCsv::roundTrip()
     const ItemCsv::Outcome in = ItemCsv::importItems(to.context().itemDatabase, plan);
     QVERIFY2(in.ok(), qPrintable(in.error));
     QCOMPARE(in.count, ids.size());
-    const QList<QVariantList> before = allItems(from.context().itemDatabase);
-    const QList<QVariantList> after = allItems(to.context().itemDatabase);
-    QCOMPARE(after.size(), before.size());
-    for (qsizetype r = 0; r < before.size(); ++r)
-        for (qsizetype c = 0; c < before.at(r).size(); ++c)
-            QVERIFY2(
-                before.at(r).at(c) == after.at(r).at(c) ||
-                    (before.at(r).at(c).isNull() && after.at(r).at(c).isNull()),
-                qPrintable(QStringLiteral("row %1, %2: %3 became %4")
-                               .arg(r)
-                               .arg(ItemColumns::names().at(c + 1), before.at(r).at(c).toString(),
-                                    after.at(r).at(c).toString())));
-}
-
-// A cancelled or failed export leaves the file that was there as it was.
-void TestItemCsv::exportCancelledKeepsTheOldFile()
-{
-    TestEnvironment env;
-    const QList<qint64> ids = env.addNumberedItems(1200);
-    const QString path = writeText(env.path(QStringLiteral("old.csv")), "old");
-    const ItemCsv::Outcome cancelled =
-        ItemCsv::exportItems(env.context().itemDatabase, ids, path,
-                             [](qsizetype done, qsizetype) { return done < 500; });
-    QVERIFY(cancelled.cancelled);
-    QCOMPARE(readBytes(path), QByteArray("old"));
-    QCOMPARE(
-        QDir(env.appPath()).entryList({QStringLiteral("old.csv*")}, QDir::Files | QDir::Hidden),
-        QStringList{QStringLiteral("old.csv")});
-
-    const ItemCsv::Outcome failed = ItemCsv::exportItems(
-        env.context().itemDatabase, ids, env.path(QStringLiteral("no/such/folder/x.csv")));
-    QVERIFY(!failed.ok() && !failed.error.isEmpty());
+    QCOMPARE(allItems(to.context().itemDatabase), allItems(from.context().itemDatabase));
 }
 
 void TestItemCsv::importRolledBack_data()
 {
     QTest::addColumn<QString>("how");
-    QTest::newRow("a trigger refuses a row") << "trigger";
+    QTest::newRow("a trigger refuses the last row") << "trigger";
     QTest::newRow("cancelled after 1000 rows") << "cancel";
     QTest::newRow("database closed") << "closed";
 }
@@ -430,16 +324,14 @@ void TestItemCsv::importRolledBack()
     QFETCH(QString, how);
     TestEnvironment env;
     env.addNumberedItems(3);
-    QSqlDatabase db = env.context().itemDatabase;
     QByteArray file("ShortDescription,Cost\n");
     for (int i = 0; i < 1200; ++i)
-        file += QByteArray("row ") + QByteArray::number(i) + ",1\n";
-    file += "boom,2\n";
+        file += "row " + QByteArray::number(i) + ",1\n";
     const ItemCsv::ImportPlan plan =
-        ItemCsv::planImportFile(writeText(env.path(QStringLiteral("in.csv")), file));
+        ItemCsv::planImportFile(writeText(env.path(QStringLiteral("in.csv")), file + "boom,2\n"));
     QCOMPARE(plan.goodRows, 1201);
-    QSqlQuery q(db);
-    QVERIFY(q.exec(QStringLiteral(
+    QSqlDatabase db = env.context().itemDatabase;
+    QVERIFY(QSqlQuery(db).exec(QStringLiteral(
         "CREATE TRIGGER NoBoom BEFORE INSERT ON Items WHEN NEW.ShortDescription = 'boom' "
         "BEGIN SELECT RAISE(ABORT, 'no boom here'); END")));
     ItemCsv::Progress progress;
@@ -450,10 +342,9 @@ void TestItemCsv::importRolledBack()
     const ItemCsv::Outcome out = ItemCsv::importItems(db, plan, progress);
     QVERIFY(!out.ok());
     QCOMPARE(out.count, 0);
+    QCOMPARE(out.cancelled, how == QLatin1String("cancel"));
     if (how == QLatin1String("trigger"))
         QVERIFY2(out.error.contains(QLatin1String("no boom here")), qPrintable(out.error));
-    if (how == QLatin1String("cancel"))
-        QVERIFY(out.cancelled);
     if (how == QLatin1String("closed"))
         QVERIFY(db.open());
     QCOMPARE(env.itemCount(), 3);

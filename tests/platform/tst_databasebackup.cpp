@@ -1,6 +1,6 @@
-// Online backups of the item database: the copy, what a failure leaves behind, the checks a
-// file must pass before it is restored, restoring into the open connection, and a backup taken
-// while another connection keeps writing.
+// Online backups of the item database: the copy and what a failure leaves behind, restoring
+// into the open connection, the files a restore refuses, and a backup taken while another
+// connection keeps writing.
 #include "../support/TestEnvironment.h"
 #include "platform/DatabaseBackup.h"
 
@@ -36,8 +36,9 @@ void addLongItems(TestEnvironment& env, int n)
     env.addItems(rows);
 }
 
-// One statement's single value on a file opened for the purpose.
-QVariant valueIn(const QString& file, const QString& sql)
+// Runs the statements on a file opened for the purpose (made when missing); the first value
+// of the last one. A statement that fails fails the test.
+QVariant sqlIn(const QString& file, const QStringList& statements)
 {
     const QString name = QStringLiteral("peek");
     QVariant v;
@@ -46,16 +47,14 @@ QVariant valueIn(const QString& file, const QString& sql)
         db.setDatabaseName(file);
         db.open();
         QSqlQuery q(db);
-        if (q.exec(sql) && q.next())
+        for (const QString& sql : statements)
+            if (!q.exec(sql))
+                QTest::qFail(qPrintable(sql + u' ' + q.lastError().text()), __FILE__, __LINE__);
+        if (q.next())
             v = q.value(0);
     }
     QSqlDatabase::removeDatabase(name);
     return v;
-}
-
-QStringList filesIn(const QString& folder)
-{
-    return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
 }
 
 } // namespace
@@ -64,70 +63,36 @@ class TestDatabaseBackup : public QObject
 {
     Q_OBJECT
 private slots:
-    void backupCopiesItems();
-    void failureLeavesTarget_data();
-    void failureLeavesTarget();
-    void checkFile_data();
-    void checkFile();
-    void restoreIntoOpenConnection();
-    void restoreChangesNothing_data();
-    void restoreChangesNothing();
+    void backup_data();
+    void backup();
+    void restore_data();
+    void restore();
     void backupWhileWriting();
 };
 
-void TestDatabaseBackup::backupCopiesItems()
-{
-    TestEnvironment env;
-    addLongItems(env, 300);
-    QTemporaryDir out;
-    const QString target = out.filePath(QStringLiteral("copy.mdb"));
-    writeAll(target, "an older copy");
-    int reports = 0;
-    const BackupOutcome outcome = backupDatabaseFile(
-        env.path(QStringLiteral("tb2.mdb")), target,
-        [&](int done, int total) {
-            ++reports;
-            return done <= total;
-        },
-        20);
-    QVERIFY2(outcome.ok(), qPrintable(outcome.error));
-    QVERIFY(reports > 5); // stepped in chunks, not in one go
-    // One self-contained file: rollback journal, nothing left beside it.
-    const QByteArray header = readAll(target).left(20);
-    QCOMPARE(header.left(15), QByteArray("SQLite format 3"));
-    QCOMPARE(int(header.at(18)), 1);
-    QCOMPARE(filesIn(out.path()), QStringList{QStringLiteral("copy.mdb")});
-    const BackupCheck check = checkBackupFile(target, itemColumns(env.context().itemDatabase));
-    QVERIFY2(check.ok(), qPrintable(check.problem));
-    QCOMPARE(check.itemCount, 300);
-    QCOMPARE(valueIn(target, QStringLiteral("SELECT Description FROM Items WHERE ID = 7")),
-             QVariant(QString(1000, u'h')));
-}
-
-void TestDatabaseBackup::failureLeavesTarget_data()
+void TestDatabaseBackup::backup_data()
 {
     QTest::addColumn<QString>("failure");
+    QTest::newRow("copied") << "";
     QTest::newRow("cancelled") << "cancel";
     QTest::newRow("no such database") << "source";
     QTest::newRow("folder not writable") << "folder";
     QTest::newRow("target is a folder") << "taken";
 }
 
-void TestDatabaseBackup::failureLeavesTarget()
+// A good copy replaces the target whole; a failed or cancelled one leaves it as it was. Either
+// way nothing is left beside it.
+void TestDatabaseBackup::backup()
 {
     QFETCH(QString, failure);
     TestEnvironment env;
-    addLongItems(env, 100);
+    addLongItems(env, 300);
     QTemporaryDir out;
     const QString target = out.filePath(QStringLiteral("copy.mdb"));
     const bool taken = failure == QLatin1String("taken");
-    if (taken) {
-        // Renaming the finished copy over it fails.
+    if (taken) // renaming the finished copy over it fails
         QVERIFY(QDir().mkpath(target));
-        writeAll(target + QStringLiteral("/keep"), "kept");
-    } else {
-        writeAll(target, "an older copy");
-    }
+    writeAll(taken ? target + QStringLiteral("/keep") : target, "an older copy");
     QString source = env.path(QStringLiteral("tb2.mdb"));
     if (failure == QLatin1String("source"))
         source = env.path(QStringLiteral("gone.mdb"));
@@ -136,172 +101,116 @@ void TestDatabaseBackup::failureLeavesTarget()
             QSKIP("root writes in any folder");
         QFile::setPermissions(out.path(), QFile::ReadOwner | QFile::ExeOwner);
     }
+    int reports = 0;
     const BackupOutcome outcome = backupDatabaseFile(
-        source, target, [&](int, int) { return failure != QLatin1String("cancel"); }, 10);
+        source, target,
+        [&](int done, int total) {
+            ++reports;
+            return done <= total && failure != QLatin1String("cancel");
+        },
+        20);
     QFile::setPermissions(out.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    QVERIFY(!outcome.ok());
     QCOMPARE(outcome.cancelled, failure == QLatin1String("cancel"));
-    QCOMPARE(outcome.error.isEmpty(), failure == QLatin1String("cancel"));
-    if (taken) {
-        QCOMPARE(readAll(target + QStringLiteral("/keep")), QByteArray("kept"));
-        QCOMPARE(filesIn(out.path()), QStringList{});
-    } else {
-        QCOMPARE(readAll(target), QByteArray("an older copy"));
-        QCOMPARE(filesIn(out.path()), QStringList{QStringLiteral("copy.mdb")});
+    QCOMPARE(outcome.error.isEmpty(), failure.isEmpty() || outcome.cancelled);
+    QCOMPARE(QDir(out.path()).entryList(QDir::Files | QDir::Hidden),
+             taken ? QStringList() : QStringList{QStringLiteral("copy.mdb")});
+    if (!failure.isEmpty()) {
+        QCOMPARE(readAll(taken ? target + QStringLiteral("/keep") : target),
+                 QByteArray("an older copy"));
+        return;
     }
+    QVERIFY(reports > 5); // stepped in chunks, not in one go
+    // One self-contained file: rollback journal, no write-ahead log to go with it.
+    const QByteArray header = readAll(target).left(20);
+    QCOMPARE(header.left(15), QByteArray("SQLite format 3"));
+    QCOMPARE(int(header.at(18)), 1);
+    const BackupCheck check = checkBackupFile(target, itemColumns(env.context().itemDatabase));
+    QVERIFY2(check.ok(), qPrintable(check.problem));
+    QCOMPARE(check.itemCount, 300);
+    QCOMPARE(sqlIn(target, {QStringLiteral("SELECT Description FROM Items WHERE ID = 7")}),
+             QVariant(QString(1000, u'h')));
 }
 
-void TestDatabaseBackup::checkFile_data()
+void TestDatabaseBackup::restore_data()
 {
     QTest::addColumn<QString>("kind");
-    QTest::addColumn<QString>("expected"); // a pattern the problem must match; "" = accepted
-    QTest::newRow("a backup") << "good"
-                              << "";
-    QTest::newRow("missing") << "missing"
-                             << "does not exist";
-    QTest::newRow("text file") << "text"
-                               << "not a database Tallybid can read";
-    QTest::newRow("empty file") << "empty"
-                                << "holds no Items table";
-    QTest::newRow("other tables") << "other"
-                                  << "holds no Items table";
-    QTest::newRow("Items is a view") << "view"
-                                     << "holds no Items table";
-    QTest::newRow("column missing") << "column"
-                                    << "has no column Category";
-    QTest::newRow("damaged pages") << "damaged"
-                                   << "damaged|not a database Tallybid can read";
+    QTest::addColumn<QString>("expected"); // a pattern the error must match; "" when none
+    const auto add = [](const char* name, const char* kind, const char* expected) {
+        QTest::newRow(name) << QString::fromLatin1(kind) << QString::fromLatin1(expected);
+    };
+    add("restored", "restored", "");
+    add("cancelled half-way", "cancel", "");
+    add("missing", "missing", "does not exist");
+    add("text file", "text", "not a database Tallybid can read");
+    add("Items is a view", "view", "holds no Items table");
+    add("column missing", "column", "has no column Category");
+    add("damaged pages", "damaged", "damaged|not a database Tallybid can read");
+    add("the database in use", "live", "is the database in use");
 }
 
-void TestDatabaseBackup::checkFile()
+// A restore goes into the open connection. A file that is no backup of these items is refused
+// with a reason naming it, and a restore stopped half-way leaves the items as they were.
+void TestDatabaseBackup::restore()
 {
     QFETCH(QString, kind);
     QFETCH(QString, expected);
     TestEnvironment env;
     addLongItems(env, 200);
     QTemporaryDir out;
-    const QString file = out.filePath(QStringLiteral("candidate.mdb"));
-    const auto build = [&](const QStringList& statements) {
-        const QString name = QStringLiteral("build");
-        {
-            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-            db.setDatabaseName(file);
-            QVERIFY(db.open());
-            for (const QString& sql : statements)
-                QVERIFY2(QSqlQuery(db).exec(sql), qPrintable(sql));
-        }
-        QSqlDatabase::removeDatabase(name);
-    };
-    if (kind == QLatin1String("good") || kind == QLatin1String("damaged")) {
+    QString file = out.filePath(QStringLiteral("candidate.mdb"));
+    const bool restored = kind == QLatin1String("restored");
+    if (kind == QLatin1String("damaged") || kind == QLatin1String("cancel") || restored)
         QVERIFY(backupDatabaseFile(env.path(QStringLiteral("tb2.mdb")), file).ok());
-        if (kind == QLatin1String("damaged")) {
-            QByteArray bytes = readAll(file);
-            // Garbage over the middle pages, where the items' b-tree lies.
-            for (qsizetype i = bytes.size() / 3; i < bytes.size() / 2; i += 7)
-                bytes[i] = char(0xA5);
-            writeAll(file, bytes);
-        }
+    if (kind == QLatin1String("damaged")) {
+        QByteArray bytes = readAll(file);
+        // Garbage over the middle pages, where the items' b-tree lies.
+        for (qsizetype i = bytes.size() / 3; i < bytes.size() / 2; i += 7)
+            bytes[i] = char(0xA5);
+        writeAll(file, bytes);
+    } else if (kind == QLatin1String("cancel") || restored) { // three items of the 200
+        sqlIn(file, {QStringLiteral("DELETE FROM Items WHERE ID > 3")});
+        if (restored) // the live items go on past the backup's
+            env.addNumberedItems(3);
     } else if (kind == QLatin1String("text")) {
         writeAll(file, QByteArray("ID,EbayID\n1,2\n").repeated(100));
-    } else if (kind == QLatin1String("empty")) {
-        writeAll(file, {});
-    } else if (kind == QLatin1String("other")) {
-        build({QStringLiteral("CREATE TABLE Stock (ID INTEGER PRIMARY KEY)")});
     } else if (kind == QLatin1String("view")) {
-        build({QStringLiteral("CREATE TABLE Stock (ID INTEGER PRIMARY KEY)"),
-               QStringLiteral("CREATE VIEW Items AS SELECT * FROM Stock")});
+        sqlIn(file, {QStringLiteral("CREATE TABLE Stock (ID INTEGER PRIMARY KEY)"),
+                     QStringLiteral("CREATE VIEW Items AS SELECT * FROM Stock")});
     } else if (kind == QLatin1String("column")) {
-        build({QStringLiteral("CREATE TABLE Items (ID INTEGER PRIMARY KEY, EbayID TEXT)")});
-    }
-    const BackupCheck check = checkBackupFile(file, itemColumns(env.context().itemDatabase));
-    if (expected.isEmpty()) {
-        QVERIFY2(check.ok(), qPrintable(check.problem));
-        QCOMPARE(check.itemCount, 200);
-    } else {
-        QVERIFY2(check.problem.contains(QRegularExpression(expected)), qPrintable(check.problem));
-        QVERIFY(check.problem.contains(file));
-    }
-}
-
-void TestDatabaseBackup::restoreIntoOpenConnection()
-{
-    TestEnvironment env;
-    addLongItems(env, 150);
-    QTemporaryDir out;
-    const QString file = out.filePath(QStringLiteral("backup.mdb"));
-    QVERIFY(backupDatabaseFile(env.path(QStringLiteral("tb2.mdb")), file).ok());
-    QSqlDatabase live = env.context().itemDatabase;
-    QSqlQuery q(live);
-    QVERIFY(q.exec(QStringLiteral("DELETE FROM Items WHERE ID > 20")));
-    QVERIFY(q.exec(QStringLiteral("UPDATE Items SET ShortDescription = 'changed'")));
-    env.addNumberedItems(3);
-    q.finish();
-
-    const BackupOutcome outcome = restoreDatabaseFrom(live, file, {}, 16);
-    QVERIFY2(outcome.ok(), qPrintable(outcome.error));
-    // The same connection reads the restored rows and keeps writing.
-    QCOMPARE(env.itemCount(), 150);
-    QCOMPARE(env.storedValue(150, QStringLiteral("ShortDescription")).toString(),
-             QStringLiteral("Item 150"));
-    QVERIFY(q.exec(QStringLiteral("INSERT INTO Items (ShortDescription) VALUES ('after')")));
-    QCOMPARE(q.lastInsertId().toLongLong(), 151);
-    QVERIFY(q.exec(QStringLiteral("PRAGMA integrity_check")) && q.next());
-    QCOMPARE(q.value(0).toString(), QStringLiteral("ok"));
-    q.finish();
-    // And so does a connection opened afterwards.
-    QCOMPARE(
-        valueIn(env.path(QStringLiteral("tb2.mdb")), QStringLiteral("SELECT count(*) FROM Items")),
-        QVariant(151));
-}
-
-void TestDatabaseBackup::restoreChangesNothing_data()
-{
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("text file") << "text"
-                               << "not a database Tallybid can read";
-    QTest::newRow("the database in use") << "live"
-                                         << "is the database in use";
-    QTest::newRow("cancelled half-way") << "cancel"
-                                        << "";
-}
-
-void TestDatabaseBackup::restoreChangesNothing()
-{
-    QFETCH(QString, kind);
-    TestEnvironment env;
-    env.addNumberedItems(12);
-    QTemporaryDir out;
-    QString file = out.filePath(QStringLiteral("candidate.mdb"));
-    if (kind == QLatin1String("text"))
-        writeAll(file, "not a database at all, just some words");
-    else if (kind == QLatin1String("live"))
+        sqlIn(file, {QStringLiteral("CREATE TABLE Items (ID INTEGER PRIMARY KEY, EbayID TEXT)")});
+    } else if (kind == QLatin1String("live")) {
         file = env.path(QStringLiteral("tb2.mdb"));
-    int steps = 0;
-    if (kind == QLatin1String("cancel")) {
-        // A backup of three other items, spread over many pages.
-        QVERIFY(backupDatabaseFile(env.path(QStringLiteral("tb2.mdb")), file).ok());
-        const QString name = QStringLiteral("shrink");
-        {
-            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-            db.setDatabaseName(file);
-            QVERIFY(db.open());
-            QSqlQuery q(db);
-            QVERIFY(q.exec(QStringLiteral("DELETE FROM Items WHERE ID > 3")));
-            QVERIFY(q.exec(QStringLiteral("UPDATE Items SET Description = zeroblob(50000)")));
-        }
-        QSqlDatabase::removeDatabase(name);
     }
+    int steps = 0;
+    QSqlDatabase live = env.context().itemDatabase;
     const BackupOutcome outcome = restoreDatabaseFrom(
-        env.context().itemDatabase, file, [&](int, int) { return ++steps < 3; }, 4);
-    QFETCH(QString, expected);
-    QVERIFY2(outcome.error.contains(expected), qPrintable(outcome.error));
+        live, file, [&](int, int) { return ++steps < 3 || restored; }, 4);
     QCOMPARE(outcome.cancelled, kind == QLatin1String("cancel"));
-    if (outcome.cancelled)
-        QCOMPARE(steps, 3);
-    QCOMPARE(env.itemCount(), 12);
-    QCOMPARE(env.storedValue(12, QStringLiteral("ShortDescription")).toString(),
-             QStringLiteral("Item 12"));
+    if (restored) {
+        QVERIFY2(outcome.ok(), qPrintable(outcome.error));
+        QVERIFY(steps > 3);
+        // The same connection reads the restored rows and keeps writing, and so does a
+        // connection opened afterwards.
+        QCOMPARE(env.itemCount(), 3);
+        QSqlQuery q(live);
+        QVERIFY(q.exec(QStringLiteral("INSERT INTO Items (ShortDescription) VALUES ('after')")));
+        QCOMPARE(q.lastInsertId().toLongLong(), 201);
+        QVERIFY(q.exec(QStringLiteral("PRAGMA integrity_check")) && q.next());
+        QCOMPARE(q.value(0).toString(), QStringLiteral("ok"));
+        q.finish();
+        QCOMPARE(sqlIn(env.path(QStringLiteral("tb2.mdb")),
+                       {QStringLiteral("SELECT count(*) FROM Items")}),
+                 QVariant(4));
+        return;
+    }
+    QCOMPARE(steps, outcome.cancelled ? 3 : 0); // a refused file is never copied
+    QVERIFY2(expected.isEmpty() ? outcome.error.isEmpty()
+                                : outcome.error.contains(QRegularExpression(expected)) &&
+                                      outcome.error.contains(file),
+             qPrintable(outcome.error));
+    QCOMPARE(env.itemCount(), 200);
+    QCOMPARE(env.storedValue(200, QStringLiteral("ShortDescription")).toString(),
+             QStringLiteral("Item 200"));
 }
 
 // A second connection commits pairs of items and moves an amount between two rows in each
@@ -320,38 +229,24 @@ void TestDatabaseBackup::backupWhileWriting()
     std::thread writer([&] {
         sqlite3* h = nullptr;
         if (sqlite3_open_v2(QFile::encodeName(database).constData(), &h, SQLITE_OPEN_READWRITE,
-                            nullptr) != SQLITE_OK) {
+                            nullptr) != SQLITE_OK)
             ++failures;
-            sqlite3_close(h);
-            return;
-        }
         sqlite3_busy_timeout(h, 5000);
-        const QByteArray text(1500, 'w');
-        for (int n = 1; !stop; ++n) {
+        for (int n = 1; !stop && failures == 0; ++n) {
             const QByteArray sql =
-                "BEGIN IMMEDIATE;"
-                "INSERT INTO Items (ShortDescription, Description) VALUES ('pair " +
-                QByteArray::number(n) + " a', '" + text +
-                "');"
-                "INSERT INTO Items (ShortDescription, Description) VALUES ('pair " +
-                QByteArray::number(n) + " b', '" + text +
-                "');"
-                "UPDATE Items SET Reserve = Reserve + " +
-                QByteArray::number(n) +
-                " WHERE ID = 1;"
-                "UPDATE Items SET Reserve = Reserve - " +
-                QByteArray::number(n) +
-                " WHERE ID = 2;"
-                "UPDATE Items SET Description = 'rewritten " +
-                QByteArray::number(n) + "' WHERE ID = " + QByteArray::number(3 + n % 500) +
-                ";"
-                "COMMIT;";
-            if (sqlite3_exec(h, sql.constData(), nullptr, nullptr, nullptr) == SQLITE_OK)
-                ++commits;
-            else {
-                ++failures;
-                sqlite3_exec(h, "ROLLBACK", nullptr, nullptr, nullptr);
-            }
+                QStringLiteral("BEGIN IMMEDIATE;"
+                               "INSERT INTO Items (ShortDescription, Description) "
+                               "VALUES ('pair %1 a', '%2'), ('pair %1 b', '%2');"
+                               "UPDATE Items SET Reserve = Reserve + %1 WHERE ID = 1;"
+                               "UPDATE Items SET Reserve = Reserve - %1 WHERE ID = 2;"
+                               "UPDATE Items SET Description = 'rewritten %1' WHERE ID = %3;"
+                               "COMMIT;")
+                    .arg(n)
+                    .arg(QString(1500, u'w'))
+                    .arg(3 + n % 500)
+                    .toUtf8();
+            ++(sqlite3_exec(h, sql.constData(), nullptr, nullptr, nullptr) == SQLITE_OK ? commits
+                                                                                        : failures);
         }
         sqlite3_close(h);
     });
@@ -380,24 +275,20 @@ void TestDatabaseBackup::backupWhileWriting()
 
     const BackupCheck check = checkBackupFile(file, itemColumns(env.context().itemDatabase));
     QVERIFY2(check.ok(), qPrintable(check.problem));
-    const int pairs =
-        valueIn(file,
-                QStringLiteral("SELECT count(*) FROM Items WHERE ShortDescription LIKE 'pair %'"))
-            .toInt();
+    const auto value = [&](const char* sql) {
+        return sqlIn(file, {QLatin1String(sql)}).toLongLong();
+    };
+    const qint64 pairs = value("SELECT count(*) FROM Items WHERE ShortDescription LIKE 'pair %'");
     QCOMPARE(pairs % 2, 0);
+    const qint64 n = pairs / 2;
     // The snapshot is the one read before the first step.
-    QVERIFY(pairs / 2 >= 5 && pairs / 2 <= first);
-    QCOMPARE(valueIn(file, QStringLiteral("SELECT count(*) FROM Items a WHERE a.ShortDescription "
-                                          "LIKE 'pair % a' AND NOT EXISTS (SELECT 1 FROM Items b "
-                                          "WHERE b.ShortDescription = substr(a.ShortDescription, "
-                                          "1, length(a.ShortDescription) - 1) || 'b')")),
-             QVariant(0));
-    const int n = pairs / 2;
-    QCOMPARE(valueIn(file, QStringLiteral("SELECT Reserve FROM Items WHERE ID = 1")).toLongLong(),
-             qint64(n) * (n + 1) / 2);
-    QCOMPARE(valueIn(file, QStringLiteral("SELECT sum(Reserve) FROM Items WHERE ID IN (1, 2)"))
-                 .toLongLong(),
+    QVERIFY(n >= 5 && n <= first);
+    QCOMPARE(value("SELECT count(*) FROM Items a WHERE a.ShortDescription LIKE 'pair % a' AND NOT "
+                   "EXISTS (SELECT 1 FROM Items b WHERE b.ShortDescription = "
+                   "substr(a.ShortDescription, 1, length(a.ShortDescription) - 1) || 'b')"),
              0);
+    QCOMPARE(value("SELECT Reserve FROM Items WHERE ID = 1"), n * (n + 1) / 2);
+    QCOMPARE(value("SELECT sum(Reserve) FROM Items WHERE ID IN (1, 2)"), 0);
 }
 
 QTEST_GUILESS_MAIN(TestDatabaseBackup)
