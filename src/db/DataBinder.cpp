@@ -74,7 +74,7 @@ private:
 
 void DataBinder::bind(QWidget* box, const QString& column)
 {
-    m_bindings.append({box, column, {}});
+    m_bindings.append({box, column, {}, {}});
 }
 
 QString DataBinder::boxText(const QWidget* box)
