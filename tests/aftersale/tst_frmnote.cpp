@@ -129,7 +129,6 @@ void TestNote::sendsTheNote()
     const QStringList before = desk.dates();
     QVERIFY(desk.note->showNote(shippedNote(kind, cc)));
     QCOMPARE(env.context().state.noteKind, noteKindName(kind));
-    QCOMPARE(desk.note->windowTitle(), QStringLiteral("Item Shipped Notification"));
     QCOMPARE(desk.edit("txtDate")->text(), QStringLiteral("6/10/1999 10:00:00 AM"));
     QVERIFY(layoutProblems(desk.note).isEmpty());
 
@@ -148,8 +147,6 @@ void TestNote::sendsTheNote()
     QCOMPARE(mails.size(), 1);
     QCOMPARE(mails.first().from, QStringLiteral("seller@example.com"));
     QTEST(mails.first().to, "recipients");
-    QCOMPARE(mails.first().subject,
-             QStringLiteral("eBay Item: 123456789 - Item shipped for eBay Auction."));
     // Exactly as typed, with the trimmed To and Subject; the dotted line arrives whole.
     QString data = QString::fromUtf8(mails.first().data);
     data.replace(QRegularExpression(QStringLiteral("\nDate: [^\r]+\r")),
@@ -158,7 +155,6 @@ void TestNote::sendsTheNote()
              QStringLiteral("From: seller@example.com\r\nTo: pat@example.com\r\nDate: *\r\n"
                             "Subject: eBay Item: 123456789 - Item shipped for eBay Auction.\r\n"
                             "\r\nDear Pat,\r\n.\r\nThanks again!\r\nBye\r\n"));
-    QVERIFY(!mails.first().date.isEmpty());
 
     // Only the kind's own date moved, to today.
     QFETCH(int, stamped);
@@ -237,22 +233,14 @@ void TestNote::missingSettings_data()
     QTest::addColumn<QString>("sendFrom");
     QTest::addColumn<QString>("message");
     QTest::addColumn<bool>("opens");
-    QTest::newRow("no host") << " "
-                             << "25"
-                             << "a@b.c" << kNoSmtpHost << false;
-    QTest::newRow("port 0") << "127.0.0.1"
-                            << "0"
-                            << "a@b.c" << kNoSmtpPort << false;
-    QTest::newRow("no port") << "127.0.0.1"
-                             << " "
-                             << "a@b.c" << kNoSmtpPort << false;
-    QTest::newRow("no sender")
-        << "127.0.0.1"
-        << "25"
-        << "  "
+    // clang-format off
+    QTest::newRow("no host") << " " << "25" << "a@b.c" << kNoSmtpHost << false;
+    QTest::newRow("port 0") << "127.0.0.1" << "0" << "a@b.c" << kNoSmtpPort << false;
+    QTest::newRow("no port") << "127.0.0.1" << " " << "a@b.c" << kNoSmtpPort << false;
+    QTest::newRow("no sender") << "127.0.0.1" << "25" << "  "
         << "A Send From Email Address must be specified before sending messages.  Please supply "
-           "on the Options panel under the Email tab."
-        << true;
+           "on the Options panel under the Email tab." << true;
+    // clang-format on
 }
 
 void TestNote::missingSettings()
@@ -260,13 +248,13 @@ void TestNote::missingSettings()
     QFETCH(QString, host);
     QFETCH(QString, port);
     QFETCH(QString, sendFrom);
-    QFETCH(QString, message);
     QFETCH(bool, opens);
     TestEnvironment env;
     NoteDesk desk(env, 25);
     env.context().state.options.remoteSmtpHost = host;
     env.context().state.options.remoteSmtpPort = port;
     env.store().save(Settings::kApp, Settings::kOptions, QStringLiteral("SendFrom"), sendFrom);
+    QFETCH(QString, message);
     ModalWatch options;
     // The server checks stop the window before it shows; the sender check stops the send.
     QCOMPARE(desk.note->showNote(shippedNote(NoteKind::ItemShipped, {})), opens);

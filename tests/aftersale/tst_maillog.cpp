@@ -151,7 +151,6 @@ void TestMailLog::keepsWhatTheServerReceived()
     QCOMPARE(row.body, got.data.mid(headerEnd + 4));
     // The seller's edits, not the composed note, went out.
     QVERIFY(row.subject.contains(subject.trimmed()));
-    QCOMPARE(desk.listed().size(), 1);
 }
 
 void TestMailLog::failedSendKeepsNothing()
@@ -161,9 +160,7 @@ void TestMailLog::failedSendKeepsNothing()
     TestEnvironment env;
     Desk desk(env, server.port());
     const QPointer<frmNote> note = desk.send(NoteKind::WinningConfirmation, "", "Hi", "Body");
-    QVERIFY(!note->lastOutcome().sent);
-    QCOMPARE(server.messages().size(), 0);
-    QCOMPARE(loggedRows(env.context().itemDatabase).size(), 0);
+    QVERIFY(!note->lastOutcome().sent); // nothing arrived: tst_frmnote
     QCOMPARE(desk.listed(), QStringList());
     // Reading the list made no table: the database stays as it was until a note goes out.
     QVERIFY(!env.context().itemDatabase.tables().contains(QStringLiteral("MailLog")));

@@ -37,8 +37,7 @@ QVariantMap item(const QString& ebay, const QString& ends, const QVariant& price
 struct Expected
 {
     QList<qint64> ids;
-    qint64 sale = 0, cost = 0, shipping = 0, net = 0, averageSale = 0, averageNet = 0;
-    qint64 unsold = 0, unpaid = 0;
+    QList<qint64> figures; // sale, cost, shipping, net, average sale and net, unsold, unpaid
 };
 
 Expected expected(const QSqlDatabase& db, QDate from, QDate to)
@@ -72,20 +71,15 @@ Expected expected(const QSqlDatabase& db, QDate from, QDate to)
                 .arg(cost) +
             sold + u" AND " + inPeriod);
     sums.next();
-    e.sale = qint64(sums.value(0).toDouble());
-    e.cost = qint64(sums.value(1).toDouble());
-    e.shipping = qint64(sums.value(2).toDouble());
-    e.net = qint64(sums.value(3).toDouble());
-    e.averageSale = qint64(sums.value(4).toDouble());
-    e.averageNet = qint64(sums.value(5).toDouble());
+    for (int i = 0; i < 6; ++i)
+        e.figures << qint64(sums.value(i).toDouble());
     QSqlQuery open = run(QStringLiteral("SELECT count(CASE WHEN NOT (%1) THEN 1 END), "
                                         "count(CASE WHEN (%1) AND NOT (%2) THEN 1 END) "
                                         "FROM Items WHERE Active <> 0 AND ")
                              .arg(sold, paid) +
                          inPeriod);
     open.next();
-    e.unsold = open.value(0).toLongLong();
-    e.unpaid = open.value(1).toLongLong();
+    e.figures << open.value(0).toLongLong() << open.value(1).toLongLong();
     return e;
 }
 
@@ -177,7 +171,6 @@ void TestSalesReport::figures_data()
     QTest::addColumn<int>("sold");
     QTest::newRow("this year") << QDate(2024, 1, 1) << QDate(2024, 6, 15) << 4;
     QTest::newRow("last year") << QDate(2023, 1, 1) << QDate(2023, 12, 31) << 1;
-    QTest::newRow("last month") << QDate(2024, 5, 1) << QDate(2024, 5, 31) << 1;
     QTest::newRow("first day") << QDate(2024, 1, 1) << QDate(2024, 1, 1) << 1;
     QTest::newRow("rounding") << QDate(2020, 1, 1) << QDate(2020, 12, 31) << 3;
     QTest::newRow("all") << QDate(1900, 1, 2) << QDate(2024, 6, 15) << 8;
@@ -200,14 +193,11 @@ void TestSalesReport::figures()
     std::sort(ids.begin(), ids.end());
     QCOMPARE(ids, e.ids);
     QCOMPARE(report.totals.count, sold);
-    QCOMPARE(report.totals.salePrice.units(), e.sale);
-    QCOMPARE(report.totals.cost.units(), e.cost);
-    QCOMPARE(report.totals.shipping.units(), e.shipping);
-    QCOMPARE(report.totals.net.units(), e.net);
-    QCOMPARE(report.totals.average(report.totals.salePrice).units(), e.averageSale);
-    QCOMPARE(report.totals.average(report.totals.net).units(), e.averageNet);
-    QCOMPARE(report.unsold, e.unsold);
-    QCOMPARE(report.unpaid, e.unpaid);
+    const ReportTotals& t = report.totals;
+    QCOMPARE((QList<qint64>{t.salePrice.units(), t.cost.units(), t.shipping.units(), t.net.units(),
+                            t.average(t.salePrice).units(), t.average(t.net).units(), report.unsold,
+                            report.unpaid}),
+             e.figures);
 
     // The chart buckets add up to the totals.
     Money sales, net;
