@@ -1,4 +1,3 @@
-#include "listing/ListingGenerator.h"
 #include "platform/TextRoutines.h"
 #include "web/StartForm.h"
 
@@ -105,20 +104,6 @@ private slots:
         QFETCH(QStringList, assignments);
         QFETCH(QString, expected);
         QCOMPARE(FillStartForm(m_form, values(assignments)), readData(expected));
-    }
-
-    // The addresses the rich item uses are the ones its listing refers to.
-    void pictureAddressesOfTheListing()
-    {
-        ListingRequest listing;
-        listing.imageLoc = u"http://example.com/pics"_s;
-        listing.picture1Path = u"   "_s;
-        listing.picture2Path = u" C:\\My Pictures\\lamp 1.jpg"_s;
-        listing.picture3Path = u"/home/wren/pics/lamp#2.gif"_s;
-        const std::array<QString, 3> expected = {QString(),
-                                                 u"http://example.com/pics/lamp%201.jpg"_s,
-                                                 u"http://example.com/pics/lamp%232.gif"_s};
-        QCOMPARE(listingPictureAddresses(listing), expected);
     }
 
     void variations_data()

@@ -217,7 +217,8 @@ private slots:
     }
 
     // The start form is fetched, filled from the settings and the item (the advertisement
-    // escaped, so the form stays one form) and shown.
+    // escaped, so the form stays one form; the first picture with a path, at the address the
+    // advertisement gives it) and shown.
     void startForm()
     {
         Site site;
@@ -229,8 +230,11 @@ private slots:
                 QFile::copy(it.next(), site.env.path(dir + u'/' + it.fileName()));
         }
         site.web.writePage(kStartPath, fixture(u"startform/form.htm"_s));
+        site.setOption("ImageLoc", u"http://example.com/pics"_s);
         site.env.addItems({{{u"ShortDescription"_s, u"Blue vase"_s},
                             {u"Description"_s, u"Hand blown."_s},
+                            {u"Picture1Path"_s, u"   "_s},
+                            {u"Picture2Path"_s, site.env.writeFile(u"vase #2.jpg"_s, "JPEG")},
                             {u"MinBid"_s, 50000}}});
         ItemWindow w(site.env);
 
@@ -243,7 +247,8 @@ private slots:
         for (const QString& piece :
              {u"name=\"userid\" size=\"24\" maxlength=64 value=\"seller@example.com\">"_s,
               u"name=\"title\" size=45 maxlength=45 value=\"Blue vase\">"_s,
-              u"name=\"startprice\" size=11 value=\"5\""_s, u"rows=\"8\">&lt;"_s})
+              u"name=\"startprice\" size=11 value=\"5\""_s, u"rows=\"8\">&lt;"_s,
+              u"value=\"http://example.com/pics/vase%20%232.jpg\">"_s})
             QVERIFY2(shown.contains(piece), qPrintable(piece));
         QCOMPARE(site.opened(), site.env.path(u"temp.htm"_s));
     }
