@@ -17,12 +17,17 @@
 
 namespace {
 // clang-format off
-struct Upload { bool relative; QString host, landsIn, kind, message; }; // message "": it runs
+struct Upload { UploadSource source; bool relative, resize; QString host; QSize received; QString message; }; // message "": it runs
 struct Failure { QString host, port, password, mode; int code; }; // port "": the server's
-struct Camera { UploadSource source; bool resize; int longestSide; QSize received; };
 // clang-format on
 const QString kHost = QStringLiteral("127.0.0.1");
 const QString kLoggingOff = QStringLiteral("Logging off.  Bye!");
+
+QByteArray fileBytes(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+}
 
 // A server over a fresh folder ("seller" lands in /www, where pics/ waits; /pics sits at the
 // top for absolute paths) and an application set up to upload there. mode: "" (ordinary),
@@ -51,11 +56,7 @@ struct Rig
             texts << box.text;
         return texts;
     }
-    QByteArray content(const QString& remote) const
-    {
-        QFile f(local(remote));
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-    }
+    QByteArray content(const QString& remote) const { return fileBytes(local(remote)); }
     QTemporaryDir root;
     PythonServer server;
     TestEnvironment env;
@@ -92,39 +93,54 @@ class TestFrmFtp : public QObject
     Q_OBJECT
 private slots:
     // The upload command: a missing setting stops it and opens the Options dialog; otherwise a
-    // modeless FTP window over the item window puts the pictures, byte for byte, into the
-    // auction directory under the login folder or from the top, and goes away when closed.
-    void uploadCommand_data()
+    // modeless FTP window over the item window puts the pictures into the auction directory
+    // under the login folder or from the top, and goes away when closed. A phone's 4000x3000
+    // photograph stored on its side (EXIF orientation 6) goes up upright and no larger than the
+    // settings allow (a size away from the default), under its own name, made in a temporary
+    // folder that is gone afterwards; the seller's file is untouched. With resizing off, for
+    // theme media, and for files that are no picture, the bytes go as they are.
+    void upload_data()
     {
         QTest::addColumn<Upload>("row");
+        const auto item = UploadSource::ItemPictures;
         // clang-format off
-        QTest::newRow("relative")     << Upload{true,  kHost, "/www/pics/", "Relative", ""};
-        QTest::newRow("absolute")     << Upload{false, kHost, "/pics/",     "Absolute", ""};
-        QTest::newRow("host missing") << Upload{true,  " ",   "/www/pics/", "",
+        QTest::newRow("relative, resized")      << Upload{item, true,  true,  kHost, QSize(600, 800), ""};
+        QTest::newRow("absolute, resizing off") << Upload{item, false, false, kHost, QSize(), ""};
+        QTest::newRow("theme media")            << Upload{UploadSource::AdStudioMedia, true, true, kHost, QSize(), ""};
+        QTest::newRow("host missing")           << Upload{item, true,  true,  " ",   QSize(),
             "A Remote Host must be specified on the options screen before uploading images."};
         // clang-format on
     }
-    void uploadCommand()
+    void upload()
     {
         QFETCH(Upload, row);
         Rig rig;
+        QTemporaryDir temp;
+        const QByteArray tmpdir = qgetenv("TMPDIR");
+        qputenv("TMPDIR", temp.path().toLocal8Bit());
+        const auto restore = qScopeGuard([&] { qputenv("TMPDIR", tmpdir); });
         AppContext& ctx = rig.ctx;
         ctx.state.options.uploadRelative = row.relative;
         ctx.state.options.remoteHost = row.host;
+        ctx.state.options.resizeForWeb = row.resize;
+        ctx.state.options.resizeLongestSide = 800;
         ctx.state.ftpAction = QStringLiteral("RemoveImages"); // left over from a clean-up
-        const int sizes[] = {400000, 5000, 1};
+        const QByteArray photo =
+            CameraPicture::jpegWithOrientation(CameraPicture::quarters(4000, 3000), 6);
+        const QString names[] = {"phone photo.jpg", "p1.jpg", "p2.jpg"};
+        const QByteArray bytes[] = {photo, sample(400000), sample(1)};
         QStringList paths, expected;
         for (int i = 0; i < 3; ++i) { // a blank after a path is not part of the file's name
-            const QString name = QStringLiteral("p%1.jpg").arg(i);
-            paths << rig.env.writeFile(name, sample(sizes[i])) + (i == 1 ? " " : "");
+            paths << rig.env.writeFile(names[i], bytes[i]) + (i == 1 ? " " : "");
             expected << "Transferring Image file " + paths.last() +
-                            " to FTP Host: 127.0.0.1 into " + row.kind + " path pics" + name;
+                            " to FTP Host: 127.0.0.1 into " +
+                            (row.relative ? "Relative" : "Absolute") + " path pics" + names[i];
         }
 
         QWidget itemWindow;
         int optionsOpened = 0;
-        const QPointer<frmFTP> window = runUploadCommand(ctx, UploadSource::ItemPictures, paths,
-                                                         &itemWindow, [&] { ++optionsOpened; });
+        const QPointer<frmFTP> window =
+            runUploadCommand(ctx, row.source, paths, &itemWindow, [&] { ++optionsOpened; });
         QCOMPARE(optionsOpened, row.message.isEmpty() ? 0 : 1);
         QCOMPARE(ctx.state.ftpAction, row.message.isEmpty() ? "UploadImages" : "RemoveImages");
         QCOMPARE(rig.boxes(), row.message.isEmpty() ? QStringList() : QStringList{row.message});
@@ -136,62 +152,20 @@ private slots:
         QVERIFY(runSession(window));
         QCOMPARE(window->statusLines(), session(expected));
         QVERIFY(rig.boxes().isEmpty());
-        for (int i = 0; i < 3; ++i)
-            QCOMPARE(rig.content(row.landsIn + QStringLiteral("p%1.jpg").arg(i)), sample(sizes[i]));
+        const QString landsIn = row.relative ? "/www/pics/" : "/pics/";
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(fileBytes(paths[i].trimmed()), bytes[i]);
+            if (i > 0 || !row.received.isValid())
+                QCOMPARE(rig.content(landsIn + names[i]), bytes[i]);
+        }
+        QCOMPARE(QDir(temp.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
+                 QStringList());
         QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdClose")),
                           Qt::LeftButton);
         QTRY_VERIFY(window.isNull());
-    }
-
-    // A phone's 4000x3000 photograph stored on its side (EXIF orientation 6) goes up upright and
-    // no larger than the settings allow, under its own name, made in a temporary folder that is
-    // gone afterwards. The window shows the usual lines and the seller's file is untouched.
-    // With resizing off, and for theme media, the file goes byte for byte. The longest side is
-    // set away from its default, so a size that ignores the setting shows.
-    void cameraPictureGoesUpResized_data()
-    {
-        QTest::addColumn<Camera>("row");
-        const auto item = UploadSource::ItemPictures;
-        // clang-format off
-        QTest::newRow("resized")       << Camera{item, true, 800,  QSize(600, 800)};
-        QTest::newRow("resizing off")  << Camera{item, false, 1600, QSize()};
-        QTest::newRow("theme media")   << Camera{UploadSource::AdStudioMedia, true, 1600, QSize()};
-        // clang-format on
-    }
-    void cameraPictureGoesUpResized()
-    {
-        QFETCH(Camera, row);
-        Rig rig;
-        QTemporaryDir temp;
-        const QByteArray tmpdir = qgetenv("TMPDIR");
-        qputenv("TMPDIR", temp.path().toLocal8Bit());
-        const auto restore = qScopeGuard([&] { qputenv("TMPDIR", tmpdir); });
-        OptionsRecord& o = rig.ctx.state.options;
-        o.resizeForWeb = row.resize;
-        o.resizeLongestSide = row.longestSide;
-        const QByteArray photo =
-            CameraPicture::jpegWithOrientation(CameraPicture::quarters(4000, 3000), 6);
-        const QString path = rig.env.writeFile(QStringLiteral("phone photo.jpg"), photo);
-
-        QWidget itemWindow;
-        const QPointer<frmFTP> window =
-            runUploadCommand(rig.ctx, row.source, {path}, &itemWindow, nullptr);
-        QVERIFY(window && runSession(window));
-        QCOMPARE(window->statusLines(),
-                 session({"Transferring Image file " + path +
-                          " to FTP Host: 127.0.0.1 into Relative path picsphone photo.jpg"}));
-        QVERIFY(rig.boxes().isEmpty());
-        QFile original(path);
-        QVERIFY(original.open(QIODevice::ReadOnly));
-        QCOMPARE(original.readAll(), photo);
-        QCOMPARE(QDir(temp.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
-                 QStringList());
-
-        const QString received = rig.local(QStringLiteral("/www/pics/phone photo.jpg"));
-        if (!row.received.isValid()) {
-            QCOMPARE(rig.content(QStringLiteral("/www/pics/phone photo.jpg")), photo);
+        if (!row.received.isValid())
             return;
-        }
+        const QString received = rig.local(landsIn + names[0]);
         QImageReader back(received);
         QCOMPARE(back.format(), QByteArray("jpeg"));
         QCOMPARE(back.size(), row.received);
