@@ -1,4 +1,3 @@
-#include "../support/LayoutCheck.h"
 #include "../support/SmtpFixture.h"
 #include "../support/TestEnvironment.h"
 #include "settings/SettingsCatalogue.h"
@@ -302,20 +301,16 @@ private slots:
             QCOMPARE(server->events().mid(1), (QStringList{u"AUTH PLAIN seller ok"_s, u"QUIT"_s}));
     }
 
-    void everyTabFitsAtTheDefaultSize()
+    // Layout on every tab is tst_windowfit's; here each tab, once chosen, sits whole on the tab
+    // bar, not merely reachable.
+    void everyTabIsWholeOnTheBar()
     {
-        auto* tabs = child<QTabWidget>(u"TabStrip1"_s);
-        QStringList problems = layoutProblems(m_dialog.get());
-        // The resize grip is drawn over the dialog's corner on purpose.
-        problems.removeIf([](const QString& p) { return p.contains(u"QSizeGrip"); });
-        for (int i = 0; i < tabs->count(); ++i) {
-            tabs->setCurrentIndex(i);
+        QTabBar* bar = child<QTabWidget>(u"TabStrip1"_s)->tabBar();
+        for (int i = 0; i < bar->count(); ++i) {
+            bar->setCurrentIndex(i);
             QCoreApplication::processEvents();
-            problems << layoutProblems(tabs->currentWidget());
-            if (!tabs->tabBar()->rect().contains(tabs->tabBar()->tabRect(i)))
-                problems << tabs->tabText(i) + " is cut off";
+            QVERIFY2(bar->rect().contains(bar->tabRect(i)), qPrintable(bar->tabText(i)));
         }
-        QCOMPARE(problems.join(u'\n'), QString());
     }
 };
 
