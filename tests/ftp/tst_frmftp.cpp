@@ -17,12 +17,17 @@
 
 namespace {
 // clang-format off
-struct Upload { bool relative; QString host, landsIn, kind, message; }; // message "": it runs
+struct Upload { UploadSource source; bool relative, resize; QString host; QSize received; QString message; }; // message "": it runs
 struct Failure { QString host, port, password, mode; int code; }; // port "": the server's
-struct Camera { UploadSource source; bool resize; int longestSide; QSize received; };
 // clang-format on
 const QString kHost = QStringLiteral("127.0.0.1");
 const QString kLoggingOff = QStringLiteral("Logging off.  Bye!");
+
+QByteArray fileBytes(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+}
 
 // A server over a fresh folder ("seller" lands in /www, where pics/ waits; /pics sits at the
 // top for absolute paths) and an application set up to upload there. mode: "" (ordinary),
@@ -44,11 +49,14 @@ struct Rig
         ctx.state.ftpAction = QStringLiteral("UploadImages");
     }
     QString local(const QString& remote) const { return root.path() + remote; }
-    QByteArray content(const QString& remote) const
+    QStringList boxes() // the texts of the message boxes shown
     {
-        QFile f(local(remote));
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+        QStringList texts;
+        for (const ScriptedPrompts::Shown& box : env.prompts().shown())
+            texts << box.text;
+        return texts;
     }
+    QByteArray content(const QString& remote) const { return fileBytes(local(remote)); }
     QTemporaryDir root;
     PythonServer server;
     TestEnvironment env;
@@ -64,12 +72,18 @@ QByteArray sample(int size)
     return bytes;
 }
 
-// Opens the window as a caller does and waits until its session has logged off.
-bool runSession(frmFTP& window)
+// Waits until the window's session has logged off, first opening it as a caller does.
+bool runSession(frmFTP* window)
 {
-    QSignalSpy done(&window, &frmFTP::finished);
-    window.show();
+    QSignalSpy done(window, &frmFTP::finished);
+    window->show();
     return done.wait(120000);
+}
+
+// The status lines of a session that connects, does `work` and logs off.
+QStringList session(const QStringList& work)
+{
+    return QStringList{"Connecting to 127.0.0.1", "Connected."} + work + QStringList{kLoggingOff};
 }
 
 } // namespace
@@ -79,115 +93,79 @@ class TestFrmFtp : public QObject
     Q_OBJECT
 private slots:
     // The upload command: a missing setting stops it and opens the Options dialog; otherwise a
-    // modeless FTP window over the item window puts the pictures, byte for byte, into the
-    // auction directory under the login folder or from the top, and goes away when closed.
-    void uploadCommand_data()
+    // modeless FTP window over the item window puts the pictures into the auction directory
+    // under the login folder or from the top, and goes away when closed. A phone's 4000x3000
+    // photograph stored on its side (EXIF orientation 6) goes up upright and no larger than the
+    // settings allow (a size away from the default), under its own name, made in a temporary
+    // folder that is gone afterwards; the seller's file is untouched. With resizing off, for
+    // theme media, and for files that are no picture, the bytes go as they are.
+    void upload_data()
     {
         QTest::addColumn<Upload>("row");
+        const auto item = UploadSource::ItemPictures;
         // clang-format off
-        QTest::newRow("relative")     << Upload{true,  kHost, "/www/pics/", "Relative", ""};
-        QTest::newRow("absolute")     << Upload{false, kHost, "/pics/",     "Absolute", ""};
-        QTest::newRow("host missing") << Upload{true,  " ",   "/www/pics/", "",
+        QTest::newRow("relative, resized")      << Upload{item, true,  true,  kHost, QSize(600, 800), ""};
+        QTest::newRow("absolute, resizing off") << Upload{item, false, false, kHost, QSize(), ""};
+        QTest::newRow("theme media")            << Upload{UploadSource::AdStudioMedia, true, true, kHost, QSize(), ""};
+        QTest::newRow("host missing")           << Upload{item, true,  true,  " ",   QSize(),
             "A Remote Host must be specified on the options screen before uploading images."};
         // clang-format on
     }
-    void uploadCommand()
+    void upload()
     {
         QFETCH(Upload, row);
-        Rig rig;
-        AppContext& ctx = rig.ctx;
-        ctx.state.options.uploadRelative = row.relative;
-        ctx.state.options.remoteHost = row.host;
-        ctx.state.ftpAction = QStringLiteral("RemoveImages"); // left over from a clean-up
-        const int sizes[] = {400000, 5000, 1};
-        QStringList paths, expected{"Connecting to 127.0.0.1", "Connected."};
-        for (int i = 0; i < 3; ++i) { // a blank after a path is not part of the file's name
-            const QString name = QStringLiteral("p%1.jpg").arg(i);
-            paths << rig.env.writeFile(name, sample(sizes[i])) + (i == 1 ? " " : "");
-            expected << "Transferring Image file " + paths.last() +
-                            " to FTP Host: 127.0.0.1 into " + row.kind + " path pics" + name;
-        }
-        expected << kLoggingOff;
-
-        QWidget itemWindow;
-        int optionsOpened = 0;
-        const QPointer<frmFTP> window = runUploadCommand(ctx, UploadSource::ItemPictures, paths,
-                                                         &itemWindow, [&] { ++optionsOpened; });
-        QCOMPARE(optionsOpened, row.message.isEmpty() ? 0 : 1);
-        QCOMPARE(ctx.state.ftpAction, row.message.isEmpty() ? "UploadImages" : "RemoveImages");
-        if (!row.message.isEmpty()) {
-            QVERIFY(window.isNull());
-            QCOMPARE(rig.env.prompts().shown().size(), 1);
-            QCOMPARE(rig.env.prompts().shown().first().text, row.message);
-            return;
-        }
-        QVERIFY(window && window->isVisible() && !window->isModal());
-        QCOMPARE(window->parentWidget(), &itemWindow);
-        QCOMPARE(window->windowTitle(), QStringLiteral("FTP"));
-        QSignalSpy done(window.data(), &frmFTP::finished);
-        QVERIFY(done.wait(60000));
-        QCOMPARE(window->statusLines(), expected);
-        QVERIFY(rig.env.prompts().shown().isEmpty());
-        for (int i = 0; i < 3; ++i)
-            QCOMPARE(rig.content(row.landsIn + QStringLiteral("p%1.jpg").arg(i)), sample(sizes[i]));
-        QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdClose")),
-                          Qt::LeftButton);
-        QTRY_VERIFY(window.isNull());
-    }
-
-    // A phone's 4000x3000 photograph stored on its side (EXIF orientation 6) goes up upright and
-    // no larger than the settings allow, under its own name, made in a temporary folder that is
-    // gone afterwards. The window shows the usual lines and the seller's file is untouched.
-    // With resizing off, and for theme media, the file goes byte for byte.
-    void cameraPictureGoesUpResized_data()
-    {
-        QTest::addColumn<Camera>("row");
-        const auto item = UploadSource::ItemPictures;
-        // clang-format off
-        QTest::newRow("resized")       << Camera{item, true, 1600, QSize(1200, 1600)};
-        QTest::newRow("other side")    << Camera{item, true, 800,  QSize(600, 800)};
-        QTest::newRow("resizing off")  << Camera{item, false, 1600, QSize()};
-        QTest::newRow("theme media")   << Camera{UploadSource::AdStudioMedia, true, 1600, QSize()};
-        // clang-format on
-    }
-    void cameraPictureGoesUpResized()
-    {
-        QFETCH(Camera, row);
         Rig rig;
         QTemporaryDir temp;
         const QByteArray tmpdir = qgetenv("TMPDIR");
         qputenv("TMPDIR", temp.path().toLocal8Bit());
         const auto restore = qScopeGuard([&] { qputenv("TMPDIR", tmpdir); });
-        OptionsRecord& o = rig.ctx.state.options;
-        o.resizeForWeb = row.resize;
-        o.resizeLongestSide = row.longestSide;
+        AppContext& ctx = rig.ctx;
+        ctx.state.options.uploadRelative = row.relative;
+        ctx.state.options.remoteHost = row.host;
+        ctx.state.options.resizeForWeb = row.resize;
+        ctx.state.options.resizeLongestSide = 800;
+        ctx.state.ftpAction = QStringLiteral("RemoveImages"); // left over from a clean-up
         const QByteArray photo =
             CameraPicture::jpegWithOrientation(CameraPicture::quarters(4000, 3000), 6);
-        const QString path = rig.env.writeFile(QStringLiteral("phone photo.jpg"), photo);
+        const QString names[] = {"phone photo.jpg", "p1.jpg", "p2.jpg"};
+        const QByteArray bytes[] = {photo, sample(400000), sample(1)};
+        QStringList paths, expected;
+        for (int i = 0; i < 3; ++i) { // a blank after a path is not part of the file's name
+            paths << rig.env.writeFile(names[i], bytes[i]) + (i == 1 ? " " : "");
+            expected << "Transferring Image file " + paths.last() +
+                            " to FTP Host: 127.0.0.1 into " +
+                            (row.relative ? "Relative" : "Absolute") + " path pics" + names[i];
+        }
 
         QWidget itemWindow;
+        int optionsOpened = 0;
         const QPointer<frmFTP> window =
-            runUploadCommand(rig.ctx, row.source, {path}, &itemWindow, nullptr);
-        QVERIFY(window);
-        QSignalSpy done(window.data(), &frmFTP::finished);
-        QVERIFY(done.wait(60000));
-        QCOMPARE(window->statusLines(),
-                 QStringList({"Connecting to 127.0.0.1", "Connected.",
-                              "Transferring Image file " + path +
-                                  " to FTP Host: 127.0.0.1 into Relative path picsphone photo.jpg",
-                              kLoggingOff}));
-        QVERIFY(rig.env.prompts().shown().isEmpty());
-        QFile original(path);
-        QVERIFY(original.open(QIODevice::ReadOnly));
-        QCOMPARE(original.readAll(), photo);
+            runUploadCommand(ctx, row.source, paths, &itemWindow, [&] { ++optionsOpened; });
+        QCOMPARE(optionsOpened, row.message.isEmpty() ? 0 : 1);
+        QCOMPARE(ctx.state.ftpAction, row.message.isEmpty() ? "UploadImages" : "RemoveImages");
+        QCOMPARE(rig.boxes(), row.message.isEmpty() ? QStringList() : QStringList{row.message});
+        QCOMPARE(window.isNull(), !row.message.isEmpty());
+        if (window.isNull())
+            return;
+        QVERIFY(window->isVisible() && !window->isModal());
+        QCOMPARE(window->parentWidget(), &itemWindow);
+        QVERIFY(runSession(window));
+        QCOMPARE(window->statusLines(), session(expected));
+        QVERIFY(rig.boxes().isEmpty());
+        const QString landsIn = row.relative ? "/www/pics/" : "/pics/";
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(fileBytes(paths[i].trimmed()), bytes[i]);
+            if (i > 0 || !row.received.isValid())
+                QCOMPARE(rig.content(landsIn + names[i]), bytes[i]);
+        }
         QCOMPARE(QDir(temp.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
                  QStringList());
-
-        const QString received = rig.local(QStringLiteral("/www/pics/phone photo.jpg"));
-        if (!row.received.isValid()) {
-            QCOMPARE(rig.content(QStringLiteral("/www/pics/phone photo.jpg")), photo);
+        QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdClose")),
+                          Qt::LeftButton);
+        QTRY_VERIFY(window.isNull());
+        if (!row.received.isValid())
             return;
-        }
+        const QString received = rig.local(landsIn + names[0]);
         QImageReader back(received);
         QCOMPARE(back.format(), QByteArray("jpeg"));
         QCOMPARE(back.size(), row.received);
@@ -213,17 +191,17 @@ private slots:
         ctx.state.uploadFiles[3] = QStringLiteral("/home/s/b c.jpg ");
 
         frmFTP window(ctx);
-        QVERIFY(runSession(window));
+        QVERIFY(runSession(&window));
         // clang-format off
-        QCOMPARE(window.statusLines(), QStringList({"Connecting to 127.0.0.1", "Connected.",
+        QCOMPARE(window.statusLines(), session({
             "Deleting Image file picsa.jpg from FTP Host 127.0.0.1",
             "Deleting Image file picsnever there.jpg from FTP Host 127.0.0.1",
-            "Deleting Image file picsb c.jpg  from FTP Host 127.0.0.1", kLoggingOff}));
+            "Deleting Image file picsb c.jpg  from FTP Host 127.0.0.1"}));
         // clang-format on
         QVERIFY(!QFile::exists(rig.local("/www/pics/a.jpg")) &&
                 QFile::exists(rig.local("/www/a.jpg")));
         QVERIFY(!QFile::exists(rig.local(QStringLiteral("/www/pics/b c.jpg"))));
-        QVERIFY(rig.env.prompts().shown().isEmpty());
+        QVERIFY(rig.boxes().isEmpty());
         QCOMPARE(window.errorState().errorCode, 22041); // the missing file, recorded not shown
     }
 
@@ -251,13 +229,12 @@ private slots:
 
         frmFTP window(ctx);
         window.client().setTimeoutSeconds(1);
-        QVERIFY(runSession(window));
+        QVERIFY(runSession(&window));
         // No "Connected.", no transfer, no logging off; Close is enabled all the same.
         QCOMPARE(window.statusLines(), QStringList{"Connecting to " + row.host});
         QCOMPARE(window.errorState().errorCode, row.code);
         QVERIFY(window.findChild<QPushButton*>(QStringLiteral("cmdClose"))->isEnabled());
-        QCOMPARE(rig.env.prompts().shown().size(), 1);
-        QCOMPARE(rig.env.prompts().shown().first().text, ftpErrorMessage(row.code));
+        QCOMPARE(rig.boxes(), QStringList{ftpErrorMessage(row.code)});
         QCOMPARE(rig.content(QStringLiteral("/www/pics/a.jpg")), QByteArray("<missing>"));
     }
 
@@ -287,11 +264,10 @@ private slots:
             QVERIFY(!close->isEnabled() && abort->isHidden() && gauge->isHidden());
         });
         poll.start(20);
-        QVERIFY(runSession(window));
+        QVERIFY(runSession(&window));
 
         QVERIFY(clicked);
-        QCOMPARE(rig.env.prompts().shown().size(), 1);
-        QCOMPARE(rig.env.prompts().shown().first().text, ftpErrorMessage(22029));
+        QCOMPARE(rig.boxes(), QStringList{ftpErrorMessage(22029)});
         QCOMPARE(window.statusLines().last(), kLoggingOff);
         QVERIFY(rig.content(QStringLiteral("/www/pics/big.jpg")).size() < big.size());
         QCOMPARE(rig.content(QStringLiteral("/www/pics/small.jpg")), "small picture");
