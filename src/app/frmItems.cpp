@@ -633,8 +633,13 @@ bool frmItems::previewPicture(int fieldIndex)
     }
     const auto [plain, previewed] = pictureLabelColors(QApplication::palette(txtLabels[4]));
     for (int i = 4; i <= 6; ++i) {
+        // Setting a palette restyles the caption even when nothing changes; most moves keep it.
+        const QColor wanted = i == fieldIndex - 1 ? previewed : plain;
+        if (txtLabels[i]->palette().color(QPalette::WindowText) == wanted &&
+            txtLabels[i]->testAttribute(Qt::WA_SetPalette))
+            continue;
         QPalette p = txtLabels[i]->palette();
-        p.setColor(QPalette::WindowText, i == fieldIndex - 1 ? previewed : plain);
+        p.setColor(QPalette::WindowText, wanted);
         txtLabels[i]->setPalette(p);
     }
     if (!QFileInfo(path).isFile()) {

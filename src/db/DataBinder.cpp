@@ -26,6 +26,7 @@ public:
         // right by the time they are painted.
         edit->installEventFilter(this);
         edit->viewport()->installEventFilter(this);
+        connect(edit, &QPlainTextEdit::textChanged, this, [this] { ++m_changes; });
     }
 
     static LayoutCatchUp* of(QPlainTextEdit* edit)
@@ -45,6 +46,10 @@ public:
             QMetaObject::invokeMethod(this, &LayoutCatchUp::catchUp, Qt::QueuedConnection);
         }
     }
+
+    // Counts every change of the box's text, its own filling included: reading a long text back
+    // only to learn that nobody touched it costs as much as the rest of leaving a record.
+    quint64 changes() const { return m_changes; }
 
     bool eventFilter(QObject*, QEvent* event) override
     {
@@ -68,13 +73,28 @@ private:
 
     QPlainTextEdit* m_edit;
     bool m_pending = false;
+    quint64 m_changes = 0;
 };
+
+LayoutCatchUp* catchUpOf(const QWidget* box)
+{
+    auto* edit = qobject_cast<QPlainTextEdit*>(const_cast<QWidget*>(box));
+    return edit ? LayoutCatchUp::of(edit) : nullptr;
+}
+
+// An edited text box holds LF line ends; a record whose text had CR LF keeps them.
+QString withRecordLineEnds(QString edited, const QString& shown)
+{
+    if (shown.contains(QLatin1String("\r\n")) && !edited.contains(u'\r'))
+        edited.replace(u'\n', QLatin1String("\r\n"));
+    return edited;
+}
 
 } // namespace
 
 void DataBinder::bind(QWidget* box, const QString& column)
 {
-    m_bindings.append({box, column, {}, {}});
+    m_bindings.append({box, column, {}, {}, 0});
 }
 
 QString DataBinder::boxText(const QWidget* box)
@@ -115,8 +135,11 @@ void DataBinder::setBoxText(QWidget* box, const QString& text)
 bool DataBinder::showsRecord(const QWidget* box) const
 {
     for (const Binding& b : m_bindings)
-        if (b.box == box)
+        if (b.box == box) {
+            if (const LayoutCatchUp* text = catchUpOf(box))
+                return text->changes() == b.changesAtLoad;
             return boxText(box) == b.loaded;
+        }
     return false;
 }
 
@@ -137,6 +160,10 @@ void DataBinder::showRecord(const RecordSet& records)
         // A column the record source does not list shows empty.
         b.shown = records.text(b.column);
         setBoxText(b.box, b.shown);
+        if (const LayoutCatchUp* text = catchUpOf(b.box)) {
+            b.changesAtLoad = text->changes();
+            continue;
+        }
         b.loaded = boxText(b.box);
         if (qobject_cast<QCheckBox*>(b.box.data()))
             b.shown = b.loaded;
@@ -151,12 +178,20 @@ void DataBinder::collectEdits(RecordSet& records)
             continue;
         // Only what was typed counts: a box that changed the text as it took it (line ends,
         // length) must not rewrite the record when it is merely left.
+        if (LayoutCatchUp* text = catchUpOf(b.box)) {
+            if (text->changes() == b.changesAtLoad)
+                continue;
+            // Typed and typed back is no edit: the record set drops a value it already holds.
+            const QString edited = withRecordLineEnds(boxText(b.box), b.shown);
+            records.setText(b.column, edited);
+            b.shown = edited;
+            b.changesAtLoad = text->changes();
+            continue;
+        }
         const QString now = boxText(b.box);
         if (now == b.loaded)
             continue;
-        QString edited = now;
-        if (b.shown.contains(QLatin1String("\r\n")) && !edited.contains(u'\r'))
-            edited.replace(u'\n', QLatin1String("\r\n")); // keep the record's own line ends
+        const QString edited = withRecordLineEnds(now, b.shown);
         records.setText(b.column, edited);
         b.shown = edited;
         b.loaded = now;

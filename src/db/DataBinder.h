@@ -30,8 +30,9 @@ private:
     {
         QPointer<QWidget> box;
         QString column;
-        QString shown;  // the record's text, as given to the box
-        QString loaded; // what the box held once given it (a text box turns CR LF into LF)
+        QString shown;         // the record's text, as given to the box
+        QString loaded;        // what the box held once given it (a text box turns CR LF into LF)
+        quint64 changesAtLoad; // a plain-text box's change count once given it
     };
     QList<Binding> m_bindings;
     bool m_loading = false;

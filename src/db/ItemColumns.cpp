@@ -72,10 +72,15 @@ ColumnKind kind(const QString& column)
 {
     static const QHash<QString, ColumnKind> byName = [] {
         QHash<QString, ColumnKind> h;
-        for (const Column& c : kColumns)
+        // The table's own spelling too: it is what callers pass, and it needs no lower-case copy.
+        for (const Column& c : kColumns) {
+            h.insert(QString::fromLatin1(c.name), c.kind);
             h.insert(QString::fromLatin1(c.name).toLower(), c.kind);
+        }
         return h;
     }();
+    if (const auto it = byName.constFind(column); it != byName.cend())
+        return *it;
     return byName.value(column.toLower(), ColumnKind::Text);
 }
 

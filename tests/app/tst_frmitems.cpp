@@ -178,6 +178,15 @@ void TestItemWindow::descriptionLooksAsIfSetDirectly()
     QTest::keyClicks(box, QStringLiteral("New. "));
     w->mnuNext_Click();
     QCOMPARE(stored(1), QLatin1String("New. ") + longText);
+    // Typed and taken back is no edit; text put in by a command is one.
+    box->setFocus();
+    QTest::keyClicks(box, QStringLiteral("x"));
+    QTest::keyClick(box, Qt::Key_Backspace);
+    w->mnuPrevious_Click();
+    QCOMPARE(stored(2), QStringLiteral("short"));
+    w->setFieldText(4, QStringLiteral("Set by a command"));
+    w->mnuNext_Click();
+    QCOMPARE(stored(1), QStringLiteral("Set by a command"));
 }
 
 void TestItemWindow::lengthFromDates_data()
