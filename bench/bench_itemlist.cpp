@@ -7,6 +7,7 @@
 //     bench_itemlist [--items 100000] [--data DIR] [--runs 5]
 #include "BenchTiming.h"
 #include "GeneratedItems.h"
+#include "RawSqlite.h"
 #include "db/ItemListModel.h"
 #include "db/ItemSql.h"
 #include "db/RecordSet.h"
@@ -38,30 +39,6 @@ QString makeDatabase(const QString& dataDir, int items)
 {
     return generatedItemsFolder(dataDir, items) + QStringLiteral("/tb2.mdb");
 }
-
-// The reference: SQLite stepping through a statement and reading every column it yields.
-struct Reference
-{
-    sqlite3* db = nullptr;
-    explicit Reference(const QString& file)
-    {
-        if (sqlite3_open_v2(file.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr) !=
-            SQLITE_OK)
-            qFatal("cannot open %s", qPrintable(file));
-    }
-    ~Reference() { sqlite3_close(db); }
-    void run(const QString& sql) const
-    {
-        sqlite3_stmt* st = nullptr;
-        if (sqlite3_prepare_v2(db, sql.toUtf8().constData(), -1, &st, nullptr) != SQLITE_OK)
-            qFatal("%s: %s", qPrintable(sql), sqlite3_errmsg(db));
-        const int columns = sqlite3_column_count(st);
-        while (sqlite3_step(st) == SQLITE_ROW)
-            for (int c = 0; c < columns; ++c)
-                (void)sqlite3_column_text(st, c);
-        sqlite3_finalize(st);
-    }
-};
 
 void waitForKeys(ItemListModel& model)
 {
@@ -111,7 +88,7 @@ int main(int argc, char** argv)
     records.setRecordSource(ItemSql::kAllView);
     records.refresh();
     std::printf("%lld items in the All view\n", qlonglong(records.recordCount()));
-    const Reference sqlite(file);
+    const RawSqlite sqlite(file);
     const QString shortColumns = QStringLiteral(
         "ID, EbayID, ShortDescription, Active, LastPrice, SalePrice, DateAuctionEnds, BuyerName");
 

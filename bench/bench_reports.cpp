@@ -8,6 +8,7 @@
 //     5]
 #include "BenchTiming.h"
 #include "GeneratedItems.h"
+#include "RawSqlite.h"
 #include "platform/Database.h"
 #include "platform/ScriptedPrompts.h"
 #include "platform/SettingsStore.h"
@@ -33,38 +34,6 @@
 namespace {
 
 constexpr double kGoalMs = 500;
-
-// SQLite stepping through a statement and reading every column it yields; the first row's
-// first two columns are kept (the aggregate's count and sum).
-struct Reference
-{
-    sqlite3* db = nullptr;
-    explicit Reference(const QString& file)
-    {
-        if (sqlite3_open_v2(file.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr) !=
-            SQLITE_OK)
-            qFatal("cannot open %s", qPrintable(file));
-    }
-    ~Reference() { sqlite3_close(db); }
-    Reference(const Reference&) = delete;
-    Reference& operator=(const Reference&) = delete;
-    std::pair<qint64, qint64> run(const QString& sql) const
-    {
-        sqlite3_stmt* st = nullptr;
-        if (sqlite3_prepare_v2(db, sql.toUtf8().constData(), -1, &st, nullptr) != SQLITE_OK)
-            qFatal("%s: %s", qPrintable(sql), sqlite3_errmsg(db));
-        std::pair<qint64, qint64> first{-1, -1};
-        const int columns = sqlite3_column_count(st);
-        while (sqlite3_step(st) == SQLITE_ROW) {
-            if (first.first < 0)
-                first = {sqlite3_column_int64(st, 0), sqlite3_column_int64(st, 1)};
-            for (int c = 0; c < columns; ++c)
-                (void)sqlite3_column_text(st, c);
-        }
-        sqlite3_finalize(st);
-        return first;
-    }
-};
 
 } // namespace
 
@@ -117,7 +86,7 @@ int main(int argc, char** argv)
                                           "SalePrice > 0")
                                .arg(year)
                                .arg(year + 1);
-    const Reference reference(file);
+    const RawSqlite reference(file);
     const QString aggregate = QStringLiteral("SELECT count(*), sum(SalePrice), sum(Cost), "
                                              "sum(ShippingCost), sum(InsuranceCost) FROM Items "
                                              "WHERE ") +

@@ -7,6 +7,7 @@
 //     bench_scale [--sizes 1000,10000,100000] [--data DIR] [--runs 7]
 #include "BenchTiming.h"
 #include "GeneratedItems.h"
+#include "RawSqlite.h"
 #include "app/FindCriteria.h"
 #include "app/Launcher.h"
 #include "app/frmItems.h"
@@ -84,38 +85,6 @@ void report(int items, const QString& operation, std::pair<double, double> times
                                 : "MISSED");
     std::fflush(stdout);
 }
-
-// ---------------------------------------------------------------- the reference: raw SQLite
-
-class RawSqlite
-{
-public:
-    explicit RawSqlite(const QString& path)
-    {
-        sqlite3_open_v2(path.toUtf8().constData(), &m_db, SQLITE_OPEN_READONLY, nullptr);
-    }
-    ~RawSqlite() { sqlite3_close(m_db); }
-    // Steps every row, reading every column as the program would show it; returns the rows.
-    int run(const char* sql, qint64 key = -1) const
-    {
-        sqlite3_stmt* s = nullptr;
-        sqlite3_prepare_v2(m_db, sql, -1, &s, nullptr);
-        if (key >= 0)
-            sqlite3_bind_int64(s, 1, key);
-        int rows = 0;
-        volatile qint64 sink = 0;
-        while (sqlite3_step(s) == SQLITE_ROW) {
-            ++rows;
-            for (int c = 0; c < sqlite3_column_count(s); ++c)
-                sink = sink + sqlite3_column_bytes(s, c) + (sqlite3_column_text(s, c) ? 1 : 0);
-        }
-        sqlite3_finalize(s);
-        return rows;
-    }
-
-private:
-    sqlite3* m_db = nullptr;
-};
 
 // ---------------------------------------------------------------- start-up, in a child process
 
