@@ -141,6 +141,18 @@ QString toStorage(const QDateTime& value)
     return value.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
+QDate storedDay(QStringView text)
+{
+    if (text.size() < 10 || text[4] != u'-' || text[7] != u'-')
+        return {};
+    if (text.size() > 10 && text[10] != u' ' && text[10] != u'T')
+        return {};
+    const int year = digitsAt(text, 0, 4), month = digitsAt(text, 5, 2), day = digitsAt(text, 8, 2);
+    if (year < 0 || month < 0 || day < 0)
+        return {};
+    return QDate(year, month, day);
+}
+
 QDateTime fromStorage(const QString& text)
 {
     if (QDateTime strict = fromStrictStorage(text); strict.isValid())

@@ -14,5 +14,8 @@ QDateTime fromDisplay(const QString& text, const QLocale& locale = QLocale());
 
 QString toStorage(const QDateTime& value); // "yyyy-MM-dd HH:mm:ss"
 QDateTime fromStorage(const QString& text);
+// The day of a stored date: "yyyy-MM-dd", alone or followed by a blank or "T" and anything;
+// invalid otherwise. For reading many rows where only the day counts.
+QDate storedDay(QStringView text);
 
 } // namespace DateText

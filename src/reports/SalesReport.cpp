@@ -1,5 +1,7 @@
 #include "reports/SalesReport.h"
 
+#include "platform/DateText.h"
+
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
@@ -31,14 +33,6 @@ Money storedMoney(const QVariant& value)
     if (type == QMetaType::LongLong || type == QMetaType::Int)
         return Money::fromUnits(value.toLongLong());
     return {};
-}
-
-int twoDigits(QStringView t, qsizetype at)
-{
-    const QChar a = t.at(at), b = t.at(at + 1);
-    if (!a.isDigit() || !b.isDigit() || a.unicode() > 127 || b.unicode() > 127)
-        return -1;
-    return (a.unicode() - '0') * 10 + (b.unicode() - '0');
 }
 
 Money divided(Money sum, qint64 count)
@@ -84,16 +78,7 @@ namespace SalesReports {
 
 std::optional<QDate> storedDate(QStringView text)
 {
-    // "yyyy-MM-dd", optionally followed by a time.
-    if (text.size() < 10 || text.at(4) != u'-' || text.at(7) != u'-')
-        return std::nullopt;
-    if (text.size() > 10 && text.at(10) != u' ' && text.at(10) != u'T')
-        return std::nullopt;
-    const int c = twoDigits(text, 0), y = twoDigits(text, 2);
-    const int m = twoDigits(text, 5), d = twoDigits(text, 8);
-    if (c < 0 || y < 0 || m < 0 || d < 0)
-        return std::nullopt;
-    const QDate date(c * 100 + y, m, d);
+    const QDate date = DateText::storedDay(text);
     if (!date.isValid() || date == kNoDate)
         return std::nullopt;
     return date;
