@@ -92,6 +92,9 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     state.databasePath = databasePath;
     state.themeSetFN = appPath + QLatin1String("/standard.tbt");
     Startup::prepareSettings(m_store, appPath);
+    if (const auto view = frmItems::savedView(m_store))
+        state.startupKeys = std::make_shared<KeyPrefetch>(
+            opened.database, RecordSet::keysSql(frmItems::viewSource(*view)));
     state.timeZoneBias = m_timeZone.bias();
 
     frmSplash splash;

@@ -253,14 +253,15 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
         ui->mnuViewStatusBar->trigger();
     rebuildLinksMenu();
 
-    const QString viewed =
-        readSetting(m_ctx.store, Settings::kSystem, QStringLiteral("ItemsViewed"));
-    if (viewed == QLatin1String("All"))
+    Data1->usePrefetchedKeys(std::move(m_ctx.state.startupKeys));
+    const std::optional<View> viewed = savedView(m_ctx.store);
+    if (viewed == View::All)
         mnuAll_Click();
-    else if (viewed == QLatin1String("Open"))
+    else if (viewed == View::Active)
         mnuOpen_Click();
-    else if (viewed == QLatin1String("Closed"))
+    else if (viewed == View::Inactive)
         mnuClosed_Click();
+    Data1->usePrefetchedKeys(nullptr); // a later refresh reads afresh
 }
 
 frmItems::~frmItems() = default;
@@ -445,19 +446,42 @@ void frmItems::setCommand(const QString& key, QAction* menu, bool enabled)
 
 // ---------------------------------------------------------------- views and navigation
 
+namespace {
+struct ViewDef
+{
+    QString caption;
+    QString source;
+    QString saved; // the "ItemsViewed" setting
+};
+
+ViewDef viewDef(frmItems::View view)
+{
+    using View = frmItems::View;
+    return view == View::All ? ViewDef{Texts::kCaptionAll, ItemSql::kAllView, QStringLiteral("All")}
+           : view == View::Active
+               ? ViewDef{Texts::kCaptionActive, ItemSql::kActiveView, QStringLiteral("Open")}
+               : ViewDef{Texts::kCaptionInactive, ItemSql::kInactiveView, QStringLiteral("Closed")};
+}
+} // namespace
+
+std::optional<frmItems::View> frmItems::savedView(const SettingsStore& store)
+{
+    const QString viewed = readSetting(store, Settings::kSystem, QStringLiteral("ItemsViewed"));
+    for (const View view : {View::All, View::Active, View::Inactive}) {
+        if (viewed == viewDef(view).saved)
+            return view;
+    }
+    return std::nullopt;
+}
+
+QString frmItems::viewSource(View view)
+{
+    return viewDef(view).source;
+}
+
 void frmItems::openView(View view)
 {
-    struct ViewDef
-    {
-        QString caption;
-        QString source;
-        QString saved;
-    };
-    const ViewDef def =
-        view == View::All ? ViewDef{Texts::kCaptionAll, ItemSql::kAllView, QStringLiteral("All")}
-        : view == View::Active
-            ? ViewDef{Texts::kCaptionActive, ItemSql::kActiveView, QStringLiteral("Open")}
-            : ViewDef{Texts::kCaptionInactive, ItemSql::kInactiveView, QStringLiteral("Closed")};
+    const ViewDef def = viewDef(view);
     ui->mnuAll->setChecked(view == View::All);
     ui->mnuOpen->setChecked(view == View::Active);
     ui->mnuClosed->setChecked(view == View::Inactive);

@@ -9,6 +9,7 @@
 #include <QPixmap>
 #include <array>
 #include <memory>
+#include <optional>
 
 namespace Ui {
 class frmItems;
@@ -19,6 +20,7 @@ class QLineEdit;
 class QPushButton;
 class QTimer;
 struct AppContext;
+class SettingsStore;
 struct ListingResult;
 struct ComposedNote;
 class frmFind;
@@ -39,6 +41,10 @@ public:
         Active,
         Inactive
     };
+
+    // The view the window reopens, from the "ItemsViewed" setting; none for another value.
+    static std::optional<View> savedView(const SettingsStore& store);
+    static QString viewSource(View view);
 
     // screenPixels decides the default width and whether the view buttons fit.
     frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent = nullptr);

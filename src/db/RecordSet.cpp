@@ -19,18 +19,6 @@ RecordSet::RecordSet(QSqlDatabase database, QObject* parent)
 
 RecordSet::~RecordSet() = default;
 
-QString RecordSet::sourceSql() const
-{
-    QString source = m_source.trimmed();
-    while (source.endsWith(u';'))
-        source.chop(1);
-    // A bare name is a table or view: its rows in key order.
-    if (!source.contains(u' '))
-        return QLatin1String("SELECT * FROM ") + source + QLatin1String(" ORDER BY ID");
-    const JetTranslation t = translateJet(source);
-    return t.ok() ? t.sql : QString();
-}
-
 namespace {
 
 // "… ORDER BY ID" at the end of a record source: its rows come in key order, so the keys
@@ -64,7 +52,49 @@ void sortKeys(QList<qint64>& keys)
                                                : runStarts.at(runStarts.indexOf(start) + 1)));
 }
 
+// The rows of a record source as SQL, without an ORDER BY ID at its end (keyOrder then says
+// the keys come in key order); empty SQL when the source cannot be read.
+struct SourceRows
+{
+    QString sql;
+    bool keyOrder = false;
+};
+
+SourceRows sourceRows(const QString& recordSource)
+{
+    QString source = recordSource.trimmed();
+    while (source.endsWith(u';'))
+        source.chop(1);
+    SourceRows rows;
+    // A bare name is a table or view: its rows in key order.
+    if (!source.contains(u' ')) {
+        rows.sql = QLatin1String("SELECT * FROM ") + source;
+        rows.keyOrder = true;
+        return rows;
+    }
+    const JetTranslation t = translateJet(source);
+    if (!t.ok())
+        return rows;
+    rows.sql = t.sql;
+    const QRegularExpressionMatch order = keyOrderClause().match(rows.sql);
+    rows.keyOrder = order.hasMatch();
+    if (rows.keyOrder)
+        rows.sql.truncate(order.capturedStart());
+    return rows;
+}
+
+QString keysOf(const QString& rowsSql)
+{
+    return QLatin1String("SELECT ID FROM (") + rowsSql + u')';
+}
+
 } // namespace
+
+QString RecordSet::keysSql(const QString& recordSource)
+{
+    const SourceRows rows = sourceRows(recordSource);
+    return rows.sql.isEmpty() ? QString() : keysOf(rows.sql);
+}
 
 bool RecordSet::refresh()
 {
@@ -74,11 +104,9 @@ bool RecordSet::refresh()
     m_deletedCurrent = false;
     m_noMatch = false;
     m_lastError.clear();
-    QString sql = sourceSql();
-    const QRegularExpressionMatch order = keyOrderClause().match(sql);
-    m_keyOrder = order.hasMatch();
-    if (m_keyOrder)
-        sql.truncate(order.capturedStart());
+    const SourceRows rows = sourceRows(m_source);
+    const QString& sql = rows.sql;
+    m_keyOrder = rows.keyOrder;
     m_rowsSql = sql;
     // The names of the columns (no row is read), then the keys alone.
     QSqlQuery q(m_db);
@@ -95,7 +123,12 @@ bool RecordSet::refresh()
         for (int i = 0; i < rec.count(); ++i)
             m_columns << rec.fieldName(i);
         q.finish();
-        keys = scanIds(m_db, QLatin1String("SELECT ID FROM (") + sql + u')');
+        const QString keysSql = keysOf(sql);
+        const std::shared_ptr<KeyPrefetch> prefetch = std::exchange(m_prefetch, nullptr);
+        if (auto read = prefetch ? prefetch->take(m_db, keysSql) : std::nullopt)
+            keys.ids = std::move(*read);
+        else
+            keys = scanIds(m_db, keysSql);
     }
     if (!keys.ok()) {
         m_lastError = keys.error;

@@ -11,6 +11,7 @@
 #include <memory>
 
 class RecordSet;
+class KeyPrefetch;
 class RowReader;
 
 // What the record set is asked to do; the validate hook sees it before the record is left.
@@ -66,6 +67,10 @@ public:
 
     // Runs the record source again and stands on its first row (BOF and EOF when it has none).
     bool refresh();
+    // The statement listing a record source's keys, for reading them ahead on a KeyPrefetch;
+    // the next refresh takes them from it when they are still what the source holds.
+    static QString keysSql(const QString& recordSource);
+    void usePrefetchedKeys(std::shared_ptr<KeyPrefetch> keys) { m_prefetch = std::move(keys); }
     // Reads the current row again, dropping unwritten edits, and shows it: for values another
     // statement has just stored.
     void rereadCurrent();
@@ -128,7 +133,6 @@ private:
     void loadCurrent();
     int columnIndex(const QString& column) const;
     FindResult find(const QString& criteria, qsizetype from);
-    QString sourceSql() const;
 
     QSqlDatabase m_db;
     QString m_source;
@@ -143,6 +147,7 @@ private:
     bool m_keyOrder = false; // the source lists its rows in key order
     QString m_rowSql;        // reads one row of the source's columns by key
     std::unique_ptr<RowReader> m_rowReader;
+    std::shared_ptr<KeyPrefetch> m_prefetch;
     QHash<QString, int> m_columnIndex; // place of each column, by its name and lower-case name
     QVariantList m_values;             // current row, in the order of m_columns
     QHash<QString, QVariant> m_dirty;  // edits not yet written, by lower-case column name

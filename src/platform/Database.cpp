@@ -11,6 +11,7 @@
 #include <QSqlQuery>
 #include <QUrl>
 #include <QUuid>
+#include <future>
 #include <memory>
 #include <optional>
 #include <sqlite3.h>
@@ -66,15 +67,11 @@ int stopAfterDeadline(void* deadline)
 
 } // namespace
 
-IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& values,
-               int timeLimitMs)
+namespace {
+
+IdScan scanIdsOn(sqlite3* h, const QString& sql, const QVariantList& values, int timeLimitMs)
 {
     IdScan result;
-    sqlite3* h = sqliteHandle(db);
-    if (!h) {
-        result.error = QStringLiteral("the item database is not open");
-        return result;
-    }
     sqlite3_stmt* raw = nullptr;
     const QByteArray text = sql.toUtf8();
     if (sqlite3_prepare_v2(h, text.constData(), int(text.size()), &raw, nullptr) != SQLITE_OK) {
@@ -128,6 +125,54 @@ IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& v
     if (!result.ok())
         result.ids.clear();
     return result;
+}
+
+} // namespace
+
+IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& values,
+               int timeLimitMs)
+{
+    sqlite3* h = sqliteHandle(db);
+    if (!h) {
+        IdScan result;
+        result.error = QStringLiteral("the item database is not open");
+        return result;
+    }
+    return scanIdsOn(h, sql, values, timeLimitMs);
+}
+
+KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql)
+    : m_sql(sql), m_version(dataVersion(db))
+{
+    const QString path = db.databaseName();
+    m_keys = std::async(std::launch::async, [path, sql] {
+        IdScan result;
+        sqlite3* h = nullptr;
+        const QByteArray file = QFile::encodeName(path);
+        // The name may be a URI that asks for a file opened for writing; nothing is written.
+        if (sqlite3_open_v2(file.constData(), &h, SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
+                            nullptr) == SQLITE_OK)
+            result = scanIdsOn(h, sql, {}, 0);
+        else
+            result.error = QString::fromUtf8(sqlite3_errmsg(h));
+        sqlite3_close(h); // a no-op on null
+        return result;
+    });
+}
+
+KeyPrefetch::~KeyPrefetch() = default; // the future waits for the thread
+
+std::optional<QList<qint64>> KeyPrefetch::take(const QSqlDatabase& db, const QString& sql)
+{
+    if (!m_keys.valid())
+        return std::nullopt;
+    IdScan keys = m_keys.get();
+    if (sql != m_sql)
+        return std::nullopt;
+    // A commit since the keys were asked for may have added or removed rows.
+    if (!keys.ok() || dataVersion(db) != m_version)
+        return std::nullopt;
+    return std::move(keys.ids);
 }
 
 RowReader::~RowReader()

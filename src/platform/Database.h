@@ -5,6 +5,9 @@
 #include <QString>
 #include <QVariantList>
 
+#include <future>
+#include <optional>
+
 struct sqlite3;
 struct sqlite3_stmt;
 
@@ -47,6 +50,27 @@ struct IdScan
 };
 IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {},
                int timeLimitMs = 0);
+
+// Reads the keys of a statement (as scanIds does) on a connection of its own and on another
+// thread, while the caller goes on building what will need them.
+class KeyPrefetch
+{
+public:
+    KeyPrefetch(const QSqlDatabase& db, const QString& sql);
+    ~KeyPrefetch(); // waits for the reading to end
+    KeyPrefetch(const KeyPrefetch&) = delete;
+    KeyPrefetch& operator=(const KeyPrefetch&) = delete;
+
+    // The keys, once (waiting for them): only when sql is the statement read and nothing was
+    // committed to the database since the reading was asked for; otherwise nothing, and the
+    // caller reads them itself.
+    std::optional<QList<qint64>> take(const QSqlDatabase& db, const QString& sql);
+
+private:
+    QString m_sql;
+    QString m_version;
+    std::future<IdScan> m_keys;
+};
 
 // Reads one row of a statement with a single key parameter straight from SQLite, each value of
 // the type a QSqlQuery on the connection would give it: for the row shown on every move, where

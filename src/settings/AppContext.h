@@ -5,6 +5,9 @@
 #include <QSqlDatabase>
 #include <QString>
 
+#include <memory>
+
+class KeyPrefetch;
 class Prompts;
 class Shell;
 class SettingsStore;
@@ -29,6 +32,9 @@ struct AppState
     QString uploadFiles[6]; // slots 1 to 5 are used
     QString noteKind;
     QString themeSetFN;
+
+    // The keys of the view the item window reopens, read by start-up while the window is built.
+    std::shared_ptr<KeyPrefetch> startupKeys;
 };
 
 // Everything a window needs from outside itself: the platform seams, the open item database

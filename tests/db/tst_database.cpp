@@ -127,6 +127,45 @@ private slots:
         QVERIFY(row.isEmpty());
     }
 
+    // Keys read ahead on another connection are taken only while they are still the table's.
+    void keyPrefetch_data()
+    {
+        QTest::addColumn<QString>("change"); // SQL run between asking and taking
+        QTest::addColumn<bool>("otherConnection");
+        QTest::addColumn<bool>("sameStatement");
+        QTest::addColumn<bool>("taken");
+        QTest::newRow("unchanged") << QString() << false << true << true;
+        QTest::newRow("another statement") << QString() << false << false << false;
+        QTest::newRow("row added here")
+            << "INSERT INTO Items DEFAULT VALUES" << false << true << false;
+        QTest::newRow("row deleted elsewhere")
+            << "DELETE FROM Items WHERE ID = (SELECT min(ID) FROM Items)" << true << true << false;
+    }
+    void keyPrefetch()
+    {
+        QFETCH(QString, change);
+        QFETCH(bool, otherConnection);
+        QFETCH(bool, sameStatement);
+        const QSqlDatabase db = m_env->context().itemDatabase;
+        m_env->addNumberedItems(5);
+        const QString sql = QStringLiteral("SELECT ID FROM Items WHERE Active = 1");
+        KeyPrefetch prefetch(db, sql);
+        if (!change.isEmpty()) {
+            const QSqlDatabase writer =
+                otherConnection
+                    ? openDatabase(m_env->context().state.databasePath, QStringLiteral("other"))
+                          .database
+                    : db;
+            QVERIFY(QSqlQuery(writer).exec(change));
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        const auto keys = prefetch.take(db, sameStatement ? sql : sql + QLatin1String(" + 0"));
+        QTEST(keys.has_value(), "taken");
+        if (keys)
+            QCOMPARE(*keys, scanIds(db, sql).ids);
+        QVERIFY(!prefetch.take(db, sql)); // once only
+    }
+
     // A statement that never ends is stopped at its time limit and the connection stays usable.
     void scanStopsAtItsTimeLimit()
     {
