@@ -220,9 +220,19 @@ void ItemListPanel::selectCurrent()
         m_table->selectionModel()->clear();
     } else {
         const QModelIndex at = m_model->index(row, 0);
+        // The row is chosen at once; bringing it into view waits for the event loop, so a
+        // run of moves scrolls the list once instead of on every move.
+        m_table->setAutoScroll(false);
         m_table->selectionModel()->setCurrentIndex(at, QItemSelectionModel::ClearAndSelect |
                                                            QItemSelectionModel::Rows);
-        m_table->scrollTo(at);
+        m_table->setAutoScroll(true);
+        if (!m_scrollQueued) {
+            m_scrollQueued = true;
+            QTimer::singleShot(0, this, [this] {
+                m_scrollQueued = false;
+                m_table->scrollTo(m_table->currentIndex());
+            });
+        }
     }
     m_selecting = false;
 }

@@ -52,6 +52,7 @@ private:
     qint64 m_shownKey = -1; // the item the list last stood on
     bool m_selecting = false;
     bool m_choosing = false; // the window is moving to the row the user chose
+    bool m_scrollQueued = false;
     int m_width = 0;
     QString m_columnWidths;
 };
