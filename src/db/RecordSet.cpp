@@ -13,7 +13,8 @@
 #include <QSqlRecord>
 
 RecordSet::RecordSet(QSqlDatabase database, QObject* parent)
-    : QObject(parent), m_db(std::move(database)), m_rowReader(std::make_unique<RowReader>())
+    : QObject(parent), m_db(std::move(database)), m_rowReader(std::make_unique<RowReader>()),
+      m_findScanner(std::make_unique<KeyScanner>())
 {
 }
 
@@ -312,8 +313,8 @@ RecordSet::FindResult RecordSet::find(const QString& criteria, qsizetype from)
         const QString first = rows + QLatin1String(" AND ID >= ? ORDER BY ID LIMIT 1");
         qint64 key = m_ids.at(from);
         while (found < 0) {
-            const IdScan hit =
-                scanIds(m_db, first, condition.values + QVariantList{key}, kFindTimeLimitMs);
+            const IdScan hit = m_findScanner->scan(
+                m_db, first, condition.values + QVariantList{key}, kFindTimeLimitMs);
             if (!hit.ok()) {
                 m_lastError = hit.error;
                 return FindResult::Invalid;

@@ -12,6 +12,7 @@
 
 class RecordSet;
 class KeyPrefetch;
+class KeyScanner;
 class RowReader;
 
 // What the record set is asked to do; the validate hook sees it before the record is left.
@@ -147,6 +148,7 @@ private:
     bool m_keyOrder = false; // the source lists its rows in key order
     QString m_rowSql;        // reads one row of the source's columns by key
     std::unique_ptr<RowReader> m_rowReader;
+    std::unique_ptr<KeyScanner> m_findScanner; // Find Again runs the same search each time
     std::shared_ptr<KeyPrefetch> m_prefetch;
     QHash<QString, int> m_columnIndex; // place of each column, by its name and lower-case name
     QVariantList m_values;             // current row, in the order of m_columns

@@ -69,16 +69,10 @@ int stopAfterDeadline(void* deadline)
 
 namespace {
 
-IdScan scanIdsOn(sqlite3* h, const QString& sql, const QVariantList& values, int timeLimitMs)
+// Binds the values to a prepared statement and collects the first column of its rows.
+IdScan stepIds(sqlite3* h, sqlite3_stmt* raw, const QVariantList& values, int timeLimitMs)
 {
     IdScan result;
-    sqlite3_stmt* raw = nullptr;
-    const QByteArray text = sql.toUtf8();
-    if (sqlite3_prepare_v2(h, text.constData(), int(text.size()), &raw, nullptr) != SQLITE_OK) {
-        result.error = QString::fromUtf8(sqlite3_errmsg(h));
-        return result;
-    }
-    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> statement(raw, sqlite3_finalize);
     for (int i = 0; i < values.size(); ++i) {
         const QVariant& v = values.at(i);
         int rc = SQLITE_OK;
@@ -127,7 +121,70 @@ IdScan scanIdsOn(sqlite3* h, const QString& sql, const QVariantList& values, int
     return result;
 }
 
+IdScan scanIdsOn(sqlite3* h, const QString& sql, const QVariantList& values, int timeLimitMs)
+{
+    sqlite3_stmt* raw = nullptr;
+    const QByteArray text = sql.toUtf8();
+    if (sqlite3_prepare_v2(h, text.constData(), int(text.size()), &raw, nullptr) != SQLITE_OK) {
+        IdScan failed;
+        failed.error = QString::fromUtf8(sqlite3_errmsg(h));
+        return failed;
+    }
+    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> statement(raw, sqlite3_finalize);
+    return stepIds(h, raw, values, timeLimitMs);
+}
+
 } // namespace
+
+KeptStatement::~KeptStatement()
+{
+    release();
+}
+
+void KeptStatement::release()
+{
+    sqlite3_finalize(m_statement); // a no-op on null
+    m_statement = nullptr;
+    m_handle = nullptr;
+    m_sql.clear();
+}
+
+sqlite3_stmt* KeptStatement::prepare(sqlite3* h, const QString& sql, QString* error)
+{
+    if (h != m_handle || sql != m_sql || !m_statement) {
+        release();
+        const QByteArray text = sql.toUtf8();
+        if (sqlite3_prepare_v3(h, text.constData(), int(text.size()), SQLITE_PREPARE_PERSISTENT,
+                               &m_statement, nullptr) != SQLITE_OK) {
+            if (error)
+                *error = QString::fromUtf8(sqlite3_errmsg(h));
+            release();
+            return nullptr;
+        }
+        m_handle = h;
+        m_sql = sql;
+    }
+    return m_statement;
+}
+
+IdScan KeyScanner::scan(const QSqlDatabase& db, const QString& sql, const QVariantList& values,
+                        int timeLimitMs)
+{
+    IdScan result;
+    sqlite3* h = sqliteHandle(db);
+    sqlite3_stmt* s = h ? m_statement.prepare(h, sql, &result.error) : nullptr;
+    if (!s) {
+        if (!h)
+            result.error = QStringLiteral("the item database is not open");
+        m_statement.release();
+        return result;
+    }
+    result = stepIds(h, s, values, timeLimitMs);
+    // Reset, so the kept statement holds no lock and no bound text between searches.
+    sqlite3_reset(s);
+    sqlite3_clear_bindings(s);
+    return result;
+}
 
 IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& values,
                int timeLimitMs)
@@ -175,39 +232,17 @@ std::optional<QList<qint64>> KeyPrefetch::take(const QSqlDatabase& db, const QSt
     return std::move(keys.ids);
 }
 
-RowReader::~RowReader()
-{
-    release();
-}
-
-void RowReader::release()
-{
-    sqlite3_finalize(m_statement); // a no-op on null
-    m_statement = nullptr;
-    m_handle = nullptr;
-    m_sql.clear();
-}
-
 bool RowReader::read(const QSqlDatabase& db, const QString& sql, qint64 key, QVariantList& values)
 {
     values.clear();
     sqlite3* h = sqliteHandle(db);
     if (!h) {
-        release();
+        m_statement.release();
         return false;
     }
-    if (h != m_handle || sql != m_sql) {
-        release();
-        const QByteArray text = sql.toUtf8();
-        if (sqlite3_prepare_v3(h, text.constData(), int(text.size()), SQLITE_PREPARE_PERSISTENT,
-                               &m_statement, nullptr) != SQLITE_OK) {
-            release();
-            return false;
-        }
-        m_handle = h;
-        m_sql = sql;
-    }
-    sqlite3_stmt* s = m_statement;
+    sqlite3_stmt* s = m_statement.prepare(h, sql);
+    if (!s)
+        return false;
     const auto reset = qScopeGuard([s] { sqlite3_reset(s); });
     sqlite3_bind_int64(s, 1, key);
     if (sqlite3_step(s) != SQLITE_ROW)

@@ -72,30 +72,52 @@ private:
     std::future<IdScan> m_keys;
 };
 
+// A statement kept prepared between runs of the same SQL on the same connection (preparing
+// can cost more than running it). A connection closed while a statement is kept cannot
+// finish closing: keep these no longer than the windows that use the connection.
+class KeptStatement
+{
+public:
+    KeptStatement() = default;
+    ~KeptStatement();
+    KeptStatement(const KeptStatement&) = delete;
+    KeptStatement& operator=(const KeptStatement&) = delete;
+
+    // The statement for sql on h, prepared now unless it is the one kept; null (with the
+    // reason in error) when it cannot be prepared.
+    sqlite3_stmt* prepare(sqlite3* h, const QString& sql, QString* error = nullptr);
+    void release();
+
+private:
+    sqlite3* m_handle = nullptr;
+    sqlite3_stmt* m_statement = nullptr;
+    QString m_sql;
+};
+
+// scanIds with the statement kept prepared: for the same search run again and again.
+class KeyScanner
+{
+public:
+    IdScan scan(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {},
+                int timeLimitMs = 0);
+
+private:
+    KeptStatement m_statement;
+};
+
 // Reads one row of a statement with a single key parameter straight from SQLite, each value of
 // the type a QSqlQuery on the connection would give it: for the row shown on every move, where
-// Qt SQL costs several times the read. The statement stays prepared between reads (preparing
-// costs more than reading) and is reset after each, so it holds no lock. A connection closed
-// while a reader keeps its statement cannot finish closing: keep readers no longer than the
-// windows that use the connection.
+// Qt SQL costs several times the read. The statement is kept prepared and is reset after each
+// read, so it holds no lock.
 class RowReader
 {
 public:
-    RowReader() = default;
-    ~RowReader();
-    RowReader(const RowReader&) = delete;
-    RowReader& operator=(const RowReader&) = delete;
-
     // Fills values (cleared first; left empty when there is no such row or the statement
     // fails). Returns whether the row was read.
     bool read(const QSqlDatabase& db, const QString& sql, qint64 key, QVariantList& values);
 
 private:
-    void release();
-
-    sqlite3* m_handle = nullptr;
-    sqlite3_stmt* m_statement = nullptr;
-    QString m_sql;
+    KeptStatement m_statement;
 };
 
 // Changes whenever rows of the database may have changed, by this connection or another one:

@@ -166,23 +166,42 @@ private slots:
         QVERIFY(!prefetch.take(db, sql)); // once only
     }
 
-    // A statement that never ends is stopped at its time limit and the connection stays usable.
+    // A statement that never ends is stopped at its time limit and the connection stays usable,
+    // also when the statement is kept prepared for the next search.
+    void scanStopsAtItsTimeLimit_data()
+    {
+        QTest::addColumn<bool>("kept");
+        QTest::newRow("prepared each time") << false;
+        QTest::newRow("kept prepared") << true;
+    }
     void scanStopsAtItsTimeLimit()
     {
+        QFETCH(bool, kept);
         const QSqlDatabase db = m_env->context().itemDatabase;
-        QElapsedTimer clock;
-        clock.start();
-        const IdScan endless = scanIds(db,
-                                       QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL "
-                                                      "SELECT x + 1 FROM n) SELECT x FROM n "
-                                                      "WHERE x < 0"),
-                                       {}, 200);
-        QVERIFY(endless.timedOut);
-        QVERIFY(!endless.ok());
-        QVERIFY(clock.elapsed() < 3000);
-        const IdScan after = scanIds(db, QStringLiteral("SELECT ? + 1"), {41});
+        KeyScanner scanner;
+        const auto scan = [&](const QString& sql, const QVariantList& values, int limit) {
+            return kept ? scanner.scan(db, sql, values, limit) : scanIds(db, sql, values, limit);
+        };
+        const QString endlessSql = QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL "
+                                                  "SELECT x + 1 FROM n) SELECT x FROM n "
+                                                  "WHERE x < ?");
+        for (int pass = 0; pass < 2; ++pass) {
+            QElapsedTimer clock;
+            clock.start();
+            const IdScan endless = scan(endlessSql, {0}, 200);
+            QVERIFY(endless.timedOut);
+            QVERIFY(!endless.ok());
+            QVERIFY(clock.elapsed() < 3000);
+            const IdScan few =
+                scan(QStringLiteral("SELECT column1 FROM (VALUES (1), (2), (5)) WHERE column1 < ?"),
+                     {3}, 200);
+            QVERIFY2(few.ok(), qPrintable(few.error));
+            QCOMPARE(few.ids, (QList<qint64>{1, 2}));
+        }
+        const IdScan after = scan(QStringLiteral("SELECT ? + 1"), {41}, 0);
         QVERIFY2(after.ok(), qPrintable(after.error));
         QCOMPARE(after.ids, QList<qint64>{42});
+        QVERIFY(!scan(QStringLiteral("SELECT nonsense FROM"), {}, 0).ok());
     }
 };
 
