@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <sqlite3.h>
+#include <system_error>
 
 namespace {
 
@@ -202,7 +203,7 @@ KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql)
     : m_sql(sql), m_version(dataVersion(db))
 {
     const QString path = db.databaseName();
-    m_keys = std::async(std::launch::async, [path, sql] {
+    const auto read = [path, sql] {
         IdScan result;
         sqlite3* h = nullptr;
         const QByteArray file = QFile::encodeName(path);
@@ -214,7 +215,12 @@ KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql)
             result.error = QString::fromUtf8(sqlite3_errmsg(h));
         sqlite3_close(h); // a no-op on null
         return result;
-    });
+    };
+    try {
+        m_keys = std::async(std::launch::async, read);
+    } catch (const std::system_error&) {
+        // No thread to be had: take() gives nothing and the window reads the keys itself.
+    }
 }
 
 KeyPrefetch::~KeyPrefetch() = default; // the future waits for the thread
