@@ -402,17 +402,25 @@ bool frmEndingAuction::eventFilter(QObject* watched, QEvent* event)
 
 // ---------------------------------------------------------------- notes
 
+namespace {
+// The buyer's boxes (16 to 23) into a note's or a paper's fields, which name them alike.
+template <typename Fields, typename BoxText> void readBuyer(Fields& f, const BoxText& box)
+{
+    f.buyerEmail = box(16);
+    f.buyerName = box(17);
+    for (int i = 0; i < 3; ++i)
+        f.street[i] = box(18 + i);
+    f.city = box(21);
+    f.state = box(22);
+    f.zip = box(23);
+}
+} // namespace
+
 NoteFields frmEndingAuction::noteFields() const
 {
     NoteFields f;
     f.sellPrice = fieldText(11);
-    f.buyerEmail = fieldText(16);
-    f.buyerName = fieldText(17);
-    for (int i = 0; i < 3; ++i)
-        f.street[i] = fieldText(18 + i);
-    f.city = fieldText(21);
-    f.state = fieldText(22);
-    f.zip = fieldText(23);
+    readBuyer(f, [this](int index) { return fieldText(index); });
     f.datePaymentCleared = fieldText(26);
     f.shippingCost = fieldText(28);
     f.insuranceCost = fieldText(29);
@@ -551,13 +559,7 @@ std::optional<PaperworkData> frmEndingAuction::paperworkData()
     const OptionsRecord& o = m_ctx.state.options;
     for (int i = 0; i < 4; ++i)
         d.sellerAddress[i] = o.sendAddress[i];
-    d.buyerEmail = fieldText(16);
-    d.buyerName = fieldText(17);
-    for (int i = 0; i < 3; ++i)
-        d.street[i] = fieldText(18 + i);
-    d.city = fieldText(21);
-    d.state = fieldText(22);
-    d.zip = fieldText(23);
+    readBuyer(d, [this](int index) { return fieldText(index); });
     d.buyerPhone = fieldText(24);
     d.trackingNumber = fieldText(1);
     d.itemNumber = Data1->text(QStringLiteral("EbayID"));
