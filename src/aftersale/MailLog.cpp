@@ -76,64 +76,73 @@ bool MailLog::exists()
     return m_db.tables().contains(QStringLiteral("MailLog"), Qt::CaseInsensitive);
 }
 
+namespace {
+
+// The columns every read asks for, in this order; the body only when shown in full.
+const QString kColumns = QStringLiteral("ID, ItemID, SentAt, Kind, Recipients, Subject");
+
+LoggedNote noteFromRow(const QSqlQuery& q, bool withBody)
+{
+    LoggedNote n;
+    n.id = q.value(0).toLongLong();
+    n.itemId = q.value(1).toLongLong();
+    n.sentAt = QDateTime::fromString(q.value(2).toString(), kDateForm);
+    n.kind = noteKindFromName(q.value(3).toString()).value_or(NoteKind::WinningConfirmation);
+    n.recipients = q.value(4).toString();
+    n.subject = q.value(5).toString();
+    if (withBody)
+        n.body = q.value(6).toString();
+    return n;
+}
+
+} // namespace
+
+bool MailLog::read(QSqlQuery& q, const QString& sql, qint64 key)
+{
+    m_error.clear();
+    q.setForwardOnly(true);
+    if (q.prepare(sql)) {
+        q.addBindValue(key);
+        if (q.exec())
+            return true;
+    }
+    return fail(q.lastError().text());
+}
+
 std::optional<QList<LoggedNote>> MailLog::forItem(qint64 itemId)
 {
-    // Reading leaves the database as it is: no table yet is no notes yet.
-    if (!exists()) {
-        if (m_db.isOpen())
-            return QList<LoggedNote>();
-        fail(QStringLiteral("The database is not open."));
-        return std::nullopt;
-    }
     QSqlQuery q(m_db);
-    q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT ID, SentAt, Kind, Recipients, Subject FROM MailLog "
-                             "WHERE ItemID = ? ORDER BY SentAt, ID"));
-    q.addBindValue(itemId);
-    if (!q.exec()) {
-        fail(q.lastError().text());
+    if (!read(q,
+              QLatin1String("SELECT ") + kColumns +
+                  QLatin1String(" FROM MailLog WHERE ItemID = ? ORDER BY SentAt, ID"),
+              itemId)) {
+        // Reading leaves the database as it is: no table yet is no notes yet.
+        const QString why = m_error;
+        if (m_db.isOpen() && !exists())
+            return QList<LoggedNote>();
+        fail(m_db.isOpen() ? why : QStringLiteral("The database is not open."));
         return std::nullopt;
     }
     QList<LoggedNote> notes;
-    while (q.next()) {
-        LoggedNote n;
-        n.id = q.value(0).toLongLong();
-        n.itemId = itemId;
-        n.sentAt = QDateTime::fromString(q.value(1).toString(), kDateForm);
-        n.kind = noteKindFromName(q.value(2).toString()).value_or(NoteKind::WinningConfirmation);
-        n.recipients = q.value(3).toString();
-        n.subject = q.value(4).toString();
-        notes << n;
-    }
+    while (q.next())
+        notes << noteFromRow(q, false);
     return notes;
 }
 
 std::optional<LoggedNote> MailLog::note(qint64 id)
 {
-    if (!exists()) {
-        fail(QStringLiteral("There is no mail log in the database."));
-        return std::nullopt;
-    }
     QSqlQuery q(m_db);
-    q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT ItemID, SentAt, Kind, Recipients, Subject, Body FROM MailLog "
-                             "WHERE ID = ?"));
-    q.addBindValue(id);
-    if (!q.exec()) {
-        fail(q.lastError().text());
+    if (!read(q,
+              QLatin1String("SELECT ") + kColumns +
+                  QLatin1String(", Body FROM MailLog WHERE ID = ?"),
+              id)) {
+        if (!exists())
+            fail(QStringLiteral("There is no mail log in the database."));
         return std::nullopt;
     }
     if (!q.next()) {
         fail(QStringLiteral("The note is no longer in the mail log."));
         return std::nullopt;
     }
-    LoggedNote n;
-    n.id = id;
-    n.itemId = q.value(0).toLongLong();
-    n.sentAt = QDateTime::fromString(q.value(1).toString(), kDateForm);
-    n.kind = noteKindFromName(q.value(2).toString()).value_or(NoteKind::WinningConfirmation);
-    n.recipients = q.value(3).toString();
-    n.subject = q.value(4).toString();
-    n.body = q.value(5).toString();
-    return n;
+    return noteFromRow(q, true);
 }

@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QString>
 
 #include <optional>
@@ -43,6 +44,8 @@ private:
     bool ensureTable();
     bool exists();
     bool fail(const QString& why);
+    // Runs a read with one key; false with the reason in error() when it fails.
+    bool read(QSqlQuery& q, const QString& sql, qint64 key);
 
     QSqlDatabase m_db;
     QString m_error;
