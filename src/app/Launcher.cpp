@@ -94,7 +94,8 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     Startup::prepareSettings(m_store, appPath);
     if (const auto view = frmItems::savedView(m_store))
         state.startupKeys = std::make_shared<KeyPrefetch>(
-            opened.database, RecordSet::keysSql(frmItems::viewSource(*view)));
+            opened.database, RecordSet::keysSql(frmItems::viewSource(*view)),
+            RecordSet::keyOrder(frmItems::viewSource(*view)));
     state.timeZoneBias = m_timeZone.bias();
 
     frmSplash splash;

@@ -97,6 +97,12 @@ QString RecordSet::keysSql(const QString& recordSource)
     return rows.sql.isEmpty() ? QString() : keysOf(rows.sql);
 }
 
+KeyOrder RecordSet::keyOrder(const QString& recordSource)
+{
+    // Keys in key order are sorted here, so they may come in whatever order is cheapest.
+    return sourceRows(recordSource).keyOrder ? KeyOrder::Any : KeyOrder::Listed;
+}
+
 bool RecordSet::refresh()
 {
     m_ids.clear();
@@ -129,7 +135,7 @@ bool RecordSet::refresh()
         if (auto read = prefetch ? prefetch->take(m_db, keysSql) : std::nullopt)
             keys.ids = std::move(*read);
         else
-            keys = scanIds(m_db, keysSql);
+            keys = readIds(m_db, keysSql, m_keyOrder ? KeyOrder::Any : KeyOrder::Listed);
     }
     if (!keys.ok()) {
         m_lastError = keys.error;

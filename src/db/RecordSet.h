@@ -12,6 +12,7 @@
 
 class RecordSet;
 class KeyPrefetch;
+enum class KeyOrder;
 class KeyScanner;
 class RowReader;
 
@@ -71,6 +72,8 @@ public:
     // The statement listing a record source's keys, for reading them ahead on a KeyPrefetch;
     // the next refresh takes them from it when they are still what the source holds.
     static QString keysSql(const QString& recordSource);
+    // The order those keys must be read in.
+    static KeyOrder keyOrder(const QString& recordSource);
     void usePrefetchedKeys(std::shared_ptr<KeyPrefetch> keys) { m_prefetch = std::move(keys); }
     // Reads the current row again, dropping unwritten edits, and shows it: for values another
     // statement has just stored.

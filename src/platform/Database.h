@@ -51,12 +51,22 @@ struct IdScan
 IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {},
                int timeLimitMs = 0);
 
-// Reads the keys of a statement (as scanIds does) on a connection of its own and on another
+// How a list of keys is read: in the order the statement lists them, or in any order for a
+// caller that sorts them itself (gathered inside SQLite, about a third faster).
+enum class KeyOrder
+{
+    Listed,
+    Any
+};
+// The keys a statement lists ("SELECT ID FROM ..."), read as the order allows.
+IdScan readIds(const QSqlDatabase& db, const QString& sql, KeyOrder order);
+
+// Reads the keys of a statement (as readIds does) on a connection of its own and on another
 // thread, while the caller goes on building what will need them.
 class KeyPrefetch
 {
 public:
-    KeyPrefetch(const QSqlDatabase& db, const QString& sql);
+    KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder order);
     ~KeyPrefetch(); // waits for the reading to end
     KeyPrefetch(const KeyPrefetch&) = delete;
     KeyPrefetch& operator=(const KeyPrefetch&) = delete;
