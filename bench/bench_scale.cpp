@@ -12,6 +12,7 @@
 #include "app/Launcher.h"
 #include "app/frmItems.h"
 #include "platform/Database.h"
+#include "platform/FontWarmUp.h"
 #include "platform/ScriptedPrompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
@@ -135,6 +136,7 @@ private:
 
 int childStart(int argc, char** argv, const QString& appDir, const QString& configDir)
 {
+    const FontWarmUp fonts; // as the program's main() does
     QApplication app(argc, argv);
     ScriptedPrompts prompts;
     RecordingShell shell;

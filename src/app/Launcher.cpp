@@ -7,6 +7,7 @@
 #include "app/frmSplash.h"
 #include "app/texts.h"
 #include "platform/Database.h"
+#include "platform/DeferredIconStyle.h"
 #include "platform/Prompts.h"
 #include "platform/TimeZone.h"
 #include "settings/AppContext.h"
@@ -49,6 +50,8 @@ bool Launcher::refuse(const QString& text, const QString& title, int exitCode)
 
 bool Launcher::start(const QStringList& arguments, const QString& executableDir, QSize screenPixels)
 {
+    // Before any widget exists, so every widget is made with the style's deferred icons.
+    DeferredIconStyle::install();
     const AppFolder::Choice folder = AppFolder::choose(arguments, executableDir);
     const QString& appPath = folder.path;
     const QString databasePath = appPath + QLatin1String("/tb2.mdb");

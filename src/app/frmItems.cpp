@@ -15,6 +15,7 @@
 #include "ftp/UploadCommandUi.h"
 #include "listing/ListingGenerator.h"
 #include "listing/frmAdStudio.h"
+#include "platform/AppImages.h"
 #include "platform/DateText.h"
 #include "platform/KeyFilter.h"
 #include "platform/PictureTools.h"
@@ -276,9 +277,9 @@ void frmItems::buildToolbar()
     for (const ToolDef& t : kTools) {
         const QString key = QString::fromLatin1(t.key);
         auto* menu = findChild<QAction*>(QString::fromLatin1(t.menu));
-        auto* button =
-            new QAction(QIcon(QStringLiteral(":/icons/%1.png").arg(QLatin1String(t.image))),
-                        menu->text(), this);
+        auto* button = new QAction(
+            AppImages::pngIcon(QStringLiteral(":/icons/%1.png").arg(QLatin1String(t.image))),
+            menu->text(), this);
         button->setObjectName(QLatin1String("Toolbar1_") + key);
         button->setData(key);
         button->setToolTip(QString::fromLatin1(t.tip));

@@ -1,5 +1,7 @@
 #include "app/frmSplash.h"
 
+#include "platform/AppImages.h"
+
 #include <QCoreApplication>
 #include <QPainter>
 
@@ -7,7 +9,7 @@ namespace {
 // The artwork carries its own line about what is happening; only the plain fallback needs one.
 QPixmap splashPicture(bool& hasStatusLine)
 {
-    QPixmap picture(QStringLiteral(":/splash.png"));
+    QPixmap picture = AppImages::pngPixmap(QStringLiteral(":/splash.png"));
     hasStatusLine = !picture.isNull();
     if (hasStatusLine)
         return picture;
@@ -41,4 +43,10 @@ frmSplash::frmSplash()
         showMessage(QStringLiteral("Version %1  -  loading your items...")
                         .arg(QCoreApplication::applicationVersion()),
                     Qt::AlignBottom | Qt::AlignHCenter, Qt::white);
+}
+
+void frmSplash::drawContents(QPainter* painter)
+{
+    if (!message().isEmpty())
+        QSplashScreen::drawContents(painter);
 }

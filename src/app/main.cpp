@@ -4,6 +4,8 @@
 #include "app/Launcher.h"
 #include "app/Startup.h"
 #include "listing/BatchListing.h"
+#include "platform/AppImages.h"
+#include "platform/FontWarmUp.h"
 #include "platform/QtPrompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
@@ -80,13 +82,15 @@ int main(int argc, char* argv[])
         return 2;
     }
 
+    const FontWarmUp fonts;
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Tallybid"));
     QApplication::setApplicationVersion(QStringLiteral(TALLYBID_VERSION));
     // Lets the desktop match the windows to the installed entry and its icon.
     QGuiApplication::setDesktopFileName(QLatin1String(AppFolder::kDesktopId));
-    QApplication::setWindowIcon(QIcon::fromTheme(QLatin1String(AppFolder::kDesktopId),
-                                                 QIcon(QStringLiteral(":/icons/tallybid.png"))));
+    QApplication::setWindowIcon(
+        QIcon::fromTheme(QLatin1String(AppFolder::kDesktopId),
+                         AppImages::pngIcon(QStringLiteral(":/icons/tallybid.png"))));
 
     QtPrompts prompts;
     DesktopShell shell;

@@ -1,0 +1,31 @@
+#include "platform/FontWarmUp.h"
+
+#include <system_error>
+
+#if __has_include(<dlfcn.h>)
+#include <dlfcn.h>
+#define TB_HAVE_DLSYM 1
+#endif
+
+FontWarmUp::FontWarmUp()
+{
+#ifdef TB_HAVE_DLSYM
+    // Looked up rather than linked: Qt has loaded the library already wherever it uses it, and
+    // the call is safe to race with Qt's own (the library keeps whichever setup finishes first).
+    using Init = int (*)();
+    const auto init = reinterpret_cast<Init>(dlsym(RTLD_DEFAULT, "FcInit"));
+    if (!init)
+        return;
+    try {
+        m_thread = std::thread([init] { init(); });
+    } catch (const std::system_error&) {
+        // No thread to be had: Qt reads the configuration when it first needs it.
+    }
+#endif
+}
+
+FontWarmUp::~FontWarmUp()
+{
+    if (m_thread.joinable())
+        m_thread.join();
+}

@@ -1,0 +1,136 @@
+// What start-up leaves unread: picture plugins nothing shown needs. And what the cheaper ways
+// of reading pictures give: the same icons QIcon and the style would have given. Run at scale
+// factors 1 and 2.
+#include "../support/TestEnvironment.h"
+#include "app/Launcher.h"
+#include "app/frmItems.h"
+#include "platform/AppImages.h"
+#include "platform/DeferredIconStyle.h"
+
+#include <QImageReader>
+#include <QLibraryInfo>
+#include <QStyleFactory>
+#include <QStyleOption>
+#include <QtTest>
+
+namespace {
+
+// The picture plugins mapped into this process, by file name.
+QStringList loadedPicturePlugins()
+{
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    if (!maps.open(QIODevice::ReadOnly))
+        return {QStringLiteral("(maps unreadable)")};
+    QStringList found;
+    for (const QByteArray& line : maps.readAll().split('\n')) {
+        const int at = int(line.indexOf("/imageformats/"));
+        const QString name = QString::fromLocal8Bit(line.mid(at + 14));
+        if (at >= 0 && !found.contains(name))
+            found << name;
+    }
+    return found;
+}
+
+QImage image(const QPixmap& pixmap)
+{
+    return pixmap.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+void compareIcons(const QIcon& ours, const QIcon& theirs)
+{
+    QCOMPARE(ours.isNull(), theirs.isNull());
+    QCOMPARE(ours.availableSizes(), theirs.availableSizes());
+    for (const QSize size : {QSize(8, 8), QSize(16, 16), QSize(22, 22), QSize(64, 64)}) {
+        QCOMPARE(ours.actualSize(size), theirs.actualSize(size));
+        for (const qreal ratio : {1.0, 2.0}) {
+            const QPixmap a = ours.pixmap(size, ratio);
+            const QPixmap b = theirs.pixmap(size, ratio);
+            QCOMPARE(a.devicePixelRatio(), b.devicePixelRatio());
+            QCOMPARE(image(a), image(b));
+        }
+    }
+}
+
+} // namespace
+
+class TestLightStart : public QObject
+{
+    Q_OBJECT
+private slots:
+    // First: nothing before it may have read a picture the guessing way.
+    void startReadsNoPicturePlugin()
+    {
+        QVERIFY2(loadedPicturePlugins().isEmpty(), qPrintable(loadedPicturePlugins().join(u' ')));
+        TestEnvironment env;
+        env.addNumberedItems(3);
+        Launcher launcher(env.prompts(), env.shell(), env.store(), env.context().timeZone);
+        launcher.setLockFolder(env.appPath());
+        QVERIFY(
+            launcher.start({QStringLiteral("tallybid"), QStringLiteral("--appdir"), env.appPath()},
+                           {}, QSize(1280, 1024)));
+        QVERIFY(QTest::qWaitForWindowExposed(launcher.window()));
+        launcher.window()->grab(); // every icon shown is drawn
+        // The logo an item without pictures shows is a GIF: its own plugin, found by name.
+        QStringList loaded = loadedPicturePlugins();
+        loaded.removeAll(QStringLiteral("libqgif.so"));
+        QVERIFY2(loaded.isEmpty(), qPrintable(loaded.join(u' ')));
+
+        // The check sees plugins when they are loaded: a guess loads every one installed.
+        const QString plugins =
+            QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/imageformats");
+        if (QDir(plugins).entryList(QDir::Files).size() < 2)
+            QSKIP("fewer than two picture plugins installed");
+        QImageReader(QStringLiteral(":/icons/Add.png")).read();
+        QVERIFY(loadedPicturePlugins().size() >= 2);
+    }
+
+    void pngIconIsQIcon_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("toolbar icon with @2x") << ":/icons/Add.png";
+        QTest::newRow("program icon") << ":/icons/tallybid.png";
+        QTest::newRow("missing") << ":/icons/Nothing.png";
+        QTest::newRow("not a picture") << "garbage.png";
+    }
+    void pngIconIsQIcon()
+    {
+        QFETCH(QString, path);
+        QTemporaryDir dir;
+        if (!path.startsWith(u':')) {
+            path = dir.filePath(path);
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("not a picture");
+        }
+        compareIcons(AppImages::pngIcon(path), QIcon(path));
+    }
+
+    // Deferred or not, each icon draws as the wrapped style's own.
+    void styleIconsAsTheStyleGives_data()
+    {
+        QTest::addColumn<int>("standardPixmap");
+        QTest::addColumn<bool>("rightToLeft");
+        QTest::newRow("toolbar overflow")
+            << int(QStyle::SP_ToolBarHorizontalExtensionButton) << false;
+        QTest::newRow("toolbar overflow, right to left")
+            << int(QStyle::SP_ToolBarHorizontalExtensionButton) << true;
+        QTest::newRow("vertical overflow")
+            << int(QStyle::SP_ToolBarVerticalExtensionButton) << false;
+        QTest::newRow("clear button") << int(QStyle::SP_LineEditClearButton) << false;
+        QTest::newRow("not deferred") << int(QStyle::SP_DialogOkButton) << false;
+    }
+    void styleIconsAsTheStyleGives()
+    {
+        QFETCH(int, standardPixmap);
+        QFETCH(bool, rightToLeft);
+        const auto pixmap = QStyle::StandardPixmap(standardPixmap);
+        QStyleOption option;
+        option.direction = rightToLeft ? Qt::RightToLeft : Qt::LeftToRight;
+        const std::unique_ptr<QStyle> plain(QStyleFactory::create(QStringLiteral("Fusion")));
+        const DeferredIconStyle deferred(QStyleFactory::create(QStringLiteral("Fusion")));
+        compareIcons(deferred.standardIcon(pixmap, &option), plain->standardIcon(pixmap, &option));
+    }
+};
+
+QTEST_MAIN(TestLightStart)
+#include "tst_lightstart.moc"
