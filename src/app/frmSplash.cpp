@@ -9,7 +9,7 @@ namespace {
 // The artwork carries its own line about what is happening; only the plain fallback needs one.
 QPixmap splashPicture(bool& hasStatusLine)
 {
-    QPixmap picture = AppImages::pngPixmap(QStringLiteral(":/splash.png"));
+    QPixmap picture = AppImages::pixmap(QStringLiteral(":/splash.ppm"), "ppm");
     hasStatusLine = !picture.isNull();
     if (hasStatusLine)
         return picture;

@@ -9,10 +9,10 @@ namespace AppImages {
 
 namespace {
 
-QImage readPng(const QString& path)
+QImage readAs(const QString& path, const char* format)
 {
-    QImageReader reader(path, "png");
-    reader.setAutoDetectImageFormat(false); // no plugin is asked; PNG is built in
+    QImageReader reader(path, format);
+    reader.setAutoDetectImageFormat(false); // only a plugin naming the format is asked
     return reader.read();
 }
 
@@ -34,9 +34,9 @@ QString denserFile(const QString& path)
 
 } // namespace
 
-QPixmap pngPixmap(const QString& path)
+QPixmap pixmap(const QString& path, const char* format)
 {
-    return QPixmap::fromImage(readPng(path));
+    return QPixmap::fromImage(readAs(path, format));
 }
 
 QIcon pngIcon(const QString& path)

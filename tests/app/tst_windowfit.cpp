@@ -273,7 +273,7 @@ void TestWindowFit::splashShowsOneLine()
     splash.show();
     QCoreApplication::processEvents();
     const QImage artwork =
-        QImage(QStringLiteral(":/splash.png")).convertToFormat(QImage::Format_RGB32);
+        QImage(QStringLiteral(":/splash.ppm")).convertToFormat(QImage::Format_RGB32);
     QVERIFY(!artwork.isNull());
     const QImage shown = splash.grab().toImage().convertToFormat(QImage::Format_RGB32);
     QVERIFY(splash.grab().save(shot(QStringLiteral("splash"))));
