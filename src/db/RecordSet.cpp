@@ -33,26 +33,6 @@ const QRegularExpression& keyOrderClause()
     return re;
 }
 
-// Keys read through the Active index come as one ascending run per Active value: merging the
-// few runs is linear, where sorting afresh is not.
-void sortKeys(QList<qint64>& keys)
-{
-    QList<qsizetype> runStarts;
-    for (qsizetype i = 1; i < keys.size(); ++i) {
-        if (keys.at(i) < keys.at(i - 1))
-            runStarts << i;
-    }
-    if (runStarts.size() > 8) {
-        std::sort(keys.begin(), keys.end());
-        return;
-    }
-    for (const qsizetype start : std::as_const(runStarts))
-        std::inplace_merge(keys.begin(), keys.begin() + start,
-                           keys.begin() + (runStarts.last() == start
-                                               ? keys.size()
-                                               : runStarts.at(runStarts.indexOf(start) + 1)));
-}
-
 // The rows of a record source as SQL, without an ORDER BY ID at its end (keyOrder then says
 // the keys come in key order); empty SQL when the source cannot be read.
 struct SourceRows
@@ -99,8 +79,7 @@ QString RecordSet::keysSql(const QString& recordSource)
 
 KeyOrder RecordSet::keyOrder(const QString& recordSource)
 {
-    // Keys in key order are sorted here, so they may come in whatever order is cheapest.
-    return sourceRows(recordSource).keyOrder ? KeyOrder::Any : KeyOrder::Listed;
+    return sourceRows(recordSource).keyOrder ? KeyOrder::Ascending : KeyOrder::Listed;
 }
 
 bool RecordSet::refresh()
@@ -135,7 +114,7 @@ bool RecordSet::refresh()
         if (auto read = prefetch ? prefetch->take(m_db, keysSql) : std::nullopt)
             keys.ids = std::move(*read);
         else
-            keys = readIds(m_db, keysSql, m_keyOrder ? KeyOrder::Any : KeyOrder::Listed);
+            keys = readIds(m_db, keysSql, m_keyOrder ? KeyOrder::Ascending : KeyOrder::Listed);
     }
     if (!keys.ok()) {
         m_lastError = keys.error;
@@ -147,8 +126,6 @@ bool RecordSet::refresh()
         return false;
     }
     m_ids = std::move(keys.ids);
-    if (m_keyOrder)
-        sortKeys(m_ids);
     if (m_columns != previousColumns || m_rowSql.isEmpty()) {
         m_rowSql = QLatin1String("SELECT ") + m_columns.join(QLatin1String(", ")) +
                    QLatin1String(" FROM Items WHERE ID = ?");

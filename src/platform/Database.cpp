@@ -11,6 +11,7 @@
 #include <QSqlQuery>
 #include <QUrl>
 #include <QUuid>
+#include <algorithm>
 #include <future>
 #include <memory>
 #include <optional>
@@ -180,9 +181,33 @@ IdScan collectIdsOn(sqlite3* h, const QString& sql)
     return result;
 }
 
+// Keys read through the Active index come as one ascending run per Active value: merging the
+// few runs is linear, where sorting afresh is not.
+void sortAscending(QList<qint64>& keys)
+{
+    QList<qsizetype> runStarts;
+    for (qsizetype i = 1; i < keys.size(); ++i) {
+        if (keys.at(i) < keys.at(i - 1))
+            runStarts << i;
+    }
+    if (runStarts.size() > 8) {
+        std::sort(keys.begin(), keys.end());
+        return;
+    }
+    for (const qsizetype start : std::as_const(runStarts))
+        std::inplace_merge(keys.begin(), keys.begin() + start,
+                           keys.begin() + (runStarts.last() == start
+                                               ? keys.size()
+                                               : runStarts.at(runStarts.indexOf(start) + 1)));
+}
+
 IdScan readIdsOn(sqlite3* h, const QString& sql, KeyOrder order)
 {
-    return order == KeyOrder::Any ? collectIdsOn(h, sql) : scanIdsOn(h, sql, {}, 0);
+    if (order == KeyOrder::Listed)
+        return scanIdsOn(h, sql, {}, 0);
+    IdScan keys = collectIdsOn(h, sql);
+    sortAscending(keys.ids);
+    return keys;
 }
 
 } // namespace

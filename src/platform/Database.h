@@ -51,12 +51,12 @@ struct IdScan
 IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {},
                int timeLimitMs = 0);
 
-// How a list of keys is read: in the order the statement lists them, or in any order for a
-// caller that sorts them itself (gathered inside SQLite, about a third faster).
+// How a list of keys is read: in the order the statement lists them, or ascending whatever
+// the statement's order (then gathered inside SQLite in one step, about a third faster).
 enum class KeyOrder
 {
     Listed,
-    Any
+    Ascending
 };
 // The keys a statement lists ("SELECT ID FROM ..."), read as the order allows.
 IdScan readIds(const QSqlDatabase& db, const QString& sql, KeyOrder order);
