@@ -50,7 +50,7 @@ void likeFunction(sqlite3_context* ctx, int argc, sqlite3_value** argv)
 
 // tb_keys(key, list): appends every key to the list bound as a pointer. One step of SQLite
 // then gathers a whole key list, where stepping out for each row costs about half again.
-constexpr char kKeyListType[] = "tb_keys";
+constexpr char kKeyListType[] = "tb_key_list"; // the pointer type SQLite checks
 constexpr char kCollectKeys[] = "tb_keys";
 
 void collectKey(sqlite3_context*, int argc, sqlite3_value** argv)
@@ -148,10 +148,6 @@ IdScan stepIds(sqlite3* h, sqlite3_stmt* raw, const QVariantList& values, int ti
     return result;
 }
 
-// The keys of sql in any order, gathered by tb_keys; the row by row scan where the connection
-// lacks the function.
-IdScan collectIdsOn(sqlite3* h, const QString& sql);
-
 IdScan scanIdsOn(sqlite3* h, const QString& sql, const QVariantList& values, int timeLimitMs)
 {
     sqlite3_stmt* raw = nullptr;
@@ -165,6 +161,8 @@ IdScan scanIdsOn(sqlite3* h, const QString& sql, const QVariantList& values, int
     return stepIds(h, raw, values, timeLimitMs);
 }
 
+// The keys of sql in any order, gathered by tb_keys; the row by row scan where the connection
+// lacks the function.
 IdScan collectIdsOn(sqlite3* h, const QString& sql)
 {
     const QByteArray text = (QLatin1String("SELECT tb_keys(ID, ?1) FROM (") + sql + u')').toUtf8();
@@ -181,8 +179,8 @@ IdScan collectIdsOn(sqlite3* h, const QString& sql)
     return result;
 }
 
-// Keys read through the Active index come as one ascending run per Active value: merging the
-// few runs is linear, where sorting afresh is not.
+// Keys read through an index come as a few ascending runs (the views' keys one per Active
+// value): merging the runs is linear, where sorting afresh is not.
 void sortAscending(QList<qint64>& keys)
 {
     QList<qsizetype> runStarts;
