@@ -95,10 +95,10 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     state.databasePath = databasePath;
     state.themeSetFN = appPath + QLatin1String("/standard.tbt");
     Startup::prepareSettings(m_store, appPath);
-    if (const auto view = frmItems::savedView(m_store))
-        state.startupKeys = std::make_shared<KeyPrefetch>(
-            opened.database, RecordSet::keysSql(frmItems::viewSource(*view)),
-            RecordSet::keyOrder(frmItems::viewSource(*view)));
+    if (const auto view = frmItems::savedView(m_store)) {
+        const RecordSet::KeyRead keys = RecordSet::keyRead(frmItems::viewSource(*view));
+        state.startupKeys = std::make_shared<KeyPrefetch>(opened.database, keys.sql, keys.order);
+    }
     state.timeZoneBias = m_timeZone.bias();
 
     frmSplash splash;

@@ -64,22 +64,19 @@ SourceRows sourceRows(const QString& recordSource)
     return rows;
 }
 
-QString keysOf(const QString& rowsSql)
+// The statement listing the keys of a source's rows, read in key order when the rows are
+// (sorted where they are read), else in the order the rows come.
+RecordSet::KeyRead keyReadOf(const SourceRows& rows)
 {
-    return QLatin1String("SELECT ID FROM (") + rowsSql + u')';
+    return {rows.sql.isEmpty() ? QString() : QLatin1String("SELECT ID FROM (") + rows.sql + u')',
+            rows.keyOrder ? KeyOrder::Ascending : KeyOrder::Listed};
 }
 
 } // namespace
 
-QString RecordSet::keysSql(const QString& recordSource)
+RecordSet::KeyRead RecordSet::keyRead(const QString& recordSource)
 {
-    const SourceRows rows = sourceRows(recordSource);
-    return rows.sql.isEmpty() ? QString() : keysOf(rows.sql);
-}
-
-KeyOrder RecordSet::keyOrder(const QString& recordSource)
-{
-    return sourceRows(recordSource).keyOrder ? KeyOrder::Ascending : KeyOrder::Listed;
+    return keyReadOf(sourceRows(recordSource));
 }
 
 bool RecordSet::refresh()
@@ -109,12 +106,12 @@ bool RecordSet::refresh()
         for (int i = 0; i < rec.count(); ++i)
             m_columns << rec.fieldName(i);
         q.finish();
-        const QString keysSql = keysOf(sql);
+        const KeyRead read = keyReadOf(rows);
         const std::shared_ptr<KeyPrefetch> prefetch = std::exchange(m_prefetch, nullptr);
-        if (auto read = prefetch ? prefetch->take(m_db, keysSql) : std::nullopt)
-            keys.ids = std::move(*read);
+        if (auto ahead = prefetch ? prefetch->take(m_db, read.sql) : std::nullopt)
+            keys.ids = std::move(*ahead);
         else
-            keys = readIds(m_db, keysSql, m_keyOrder ? KeyOrder::Ascending : KeyOrder::Listed);
+            keys = readIds(m_db, read.sql, read.order);
     }
     if (!keys.ok()) {
         m_lastError = keys.error;

@@ -69,11 +69,15 @@ public:
 
     // Runs the record source again and stands on its first row (BOF and EOF when it has none).
     bool refresh();
-    // The statement listing a record source's keys, for reading them ahead on a KeyPrefetch;
-    // the next refresh takes them from it when they are still what the source holds.
-    static QString keysSql(const QString& recordSource);
-    // The order those keys must be read in.
-    static KeyOrder keyOrder(const QString& recordSource);
+    // How a record source's keys are read (the statement listing them and its order), for
+    // reading them ahead on a KeyPrefetch; the next refresh takes them from it when they are
+    // still what the source holds.
+    struct KeyRead
+    {
+        QString sql; // empty when the source cannot be read
+        KeyOrder order;
+    };
+    static KeyRead keyRead(const QString& recordSource);
     void usePrefetchedKeys(std::shared_ptr<KeyPrefetch> keys) { m_prefetch = std::move(keys); }
     // Reads the current row again, dropping unwritten edits, and shows it: for values another
     // statement has just stored.

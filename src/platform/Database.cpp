@@ -96,6 +96,24 @@ int stopAfterDeadline(void* deadline)
 
 namespace {
 
+IdScan notOpen()
+{
+    IdScan result;
+    result.error = QStringLiteral("the item database is not open");
+    return result;
+}
+
+using Statement = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)>;
+
+// A statement prepared on h, finalized when it goes; null (the reason in h's error) when the
+// SQL cannot be prepared.
+Statement prepared(sqlite3* h, const QByteArray& sql)
+{
+    sqlite3_stmt* raw = nullptr;
+    sqlite3_prepare_v2(h, sql.constData(), int(sql.size()), &raw, nullptr);
+    return Statement(raw, sqlite3_finalize);
+}
+
 // Binds the values to a prepared statement and collects the first column of its rows.
 IdScan stepIds(sqlite3* h, sqlite3_stmt* raw, const QVariantList& values, int timeLimitMs)
 {
@@ -150,29 +168,26 @@ IdScan stepIds(sqlite3* h, sqlite3_stmt* raw, const QVariantList& values, int ti
 
 IdScan scanIdsOn(sqlite3* h, const QString& sql, const QVariantList& values, int timeLimitMs)
 {
-    sqlite3_stmt* raw = nullptr;
-    const QByteArray text = sql.toUtf8();
-    if (sqlite3_prepare_v2(h, text.constData(), int(text.size()), &raw, nullptr) != SQLITE_OK) {
+    const Statement statement = prepared(h, sql.toUtf8());
+    if (!statement) {
         IdScan failed;
         failed.error = QString::fromUtf8(sqlite3_errmsg(h));
         return failed;
     }
-    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> statement(raw, sqlite3_finalize);
-    return stepIds(h, raw, values, timeLimitMs);
+    return stepIds(h, statement.get(), values, timeLimitMs);
 }
 
 // The keys of sql in any order, gathered by tb_keys; the row by row scan where the connection
 // lacks the function.
 IdScan collectIdsOn(sqlite3* h, const QString& sql)
 {
-    const QByteArray text = (QLatin1String("SELECT tb_keys(ID, ?1) FROM (") + sql + u')').toUtf8();
-    sqlite3_stmt* raw = nullptr;
-    if (sqlite3_prepare_v2(h, text.constData(), int(text.size()), &raw, nullptr) != SQLITE_OK)
+    const Statement statement =
+        prepared(h, (QLatin1String("SELECT tb_keys(ID, ?1) FROM (") + sql + u')').toUtf8());
+    if (!statement)
         return scanIdsOn(h, sql, {}, 0);
-    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> statement(raw, sqlite3_finalize);
     IdScan result;
-    sqlite3_bind_pointer(raw, 1, &result.ids, kKeyListType, nullptr);
-    if (sqlite3_step(raw) != SQLITE_ROW) {
+    sqlite3_bind_pointer(statement.get(), 1, &result.ids, kKeyListType, nullptr);
+    if (sqlite3_step(statement.get()) != SQLITE_ROW) {
         result.ids.clear();
         result.error = QString::fromUtf8(sqlite3_errmsg(h));
     }
@@ -192,11 +207,11 @@ void sortAscending(QList<qint64>& keys)
         std::sort(keys.begin(), keys.end());
         return;
     }
-    for (const qsizetype start : std::as_const(runStarts))
-        std::inplace_merge(keys.begin(), keys.begin() + start,
-                           keys.begin() + (runStarts.last() == start
-                                               ? keys.size()
-                                               : runStarts.at(runStarts.indexOf(start) + 1)));
+    // Each run in turn merged into the sorted keys before it.
+    for (qsizetype r = 0; r < runStarts.size(); ++r) {
+        const qsizetype end = r + 1 < runStarts.size() ? runStarts.at(r + 1) : keys.size();
+        std::inplace_merge(keys.begin(), keys.begin() + runStarts.at(r), keys.begin() + end);
+    }
 }
 
 IdScan readIdsOn(sqlite3* h, const QString& sql, KeyOrder order)
@@ -244,12 +259,14 @@ sqlite3_stmt* KeptStatement::prepare(sqlite3* h, const QString& sql, QString* er
 IdScan KeyScanner::scan(const QSqlDatabase& db, const QString& sql, const QVariantList& values,
                         int timeLimitMs)
 {
-    IdScan result;
     sqlite3* h = sqliteHandle(db);
-    sqlite3_stmt* s = h ? m_statement.prepare(h, sql, &result.error) : nullptr;
+    if (!h) {
+        m_statement.release();
+        return notOpen();
+    }
+    IdScan result;
+    sqlite3_stmt* s = m_statement.prepare(h, sql, &result.error);
     if (!s) {
-        if (!h)
-            result.error = QStringLiteral("the item database is not open");
         m_statement.release();
         return result;
     }
@@ -264,23 +281,13 @@ IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& v
                int timeLimitMs)
 {
     sqlite3* h = sqliteHandle(db);
-    if (!h) {
-        IdScan result;
-        result.error = QStringLiteral("the item database is not open");
-        return result;
-    }
-    return scanIdsOn(h, sql, values, timeLimitMs);
+    return h ? scanIdsOn(h, sql, values, timeLimitMs) : notOpen();
 }
 
 IdScan readIds(const QSqlDatabase& db, const QString& sql, KeyOrder order)
 {
     sqlite3* h = sqliteHandle(db);
-    if (!h) {
-        IdScan result;
-        result.error = QStringLiteral("the item database is not open");
-        return result;
-    }
-    return readIdsOn(h, sql, order);
+    return h ? readIdsOn(h, sql, order) : notOpen();
 }
 
 KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder order)
