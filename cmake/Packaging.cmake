@@ -2,6 +2,7 @@
 # (scripts/package-deb runs it). Library dependencies come from dpkg-shlibdeps; what the
 # program loads at run time without linking it is named here:
 #   libqt6sql6-sqlite  the QSQLITE driver that opens tb2.mdb (a plugin)
+#   libcurl4           FTP, web pages and mail; opened on the first transfer (CurlOnDemand)
 #   xdg-utils          xdg-open, which shows listings, pages and the guide in the browser
 # The xcb and offscreen platform plugins and the GIF and JPEG readers for the media are
 # plugins too, but they ship in libqt6gui6, which shlibdeps names for the linked library.
@@ -16,7 +17,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6sql6-sqlite, xdg-utils")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6sql6-sqlite, libcurl4, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ca-certificates")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-wayland")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)

@@ -1,4 +1,5 @@
-// What start-up leaves unread: picture plugins nothing shown needs. And what the cheaper ways
+// What start-up leaves unread: picture plugins nothing shown needs, and the network library
+// until a transfer. And what the cheaper ways
 // of reading pictures give: the same icons QIcon and the style would have given. Run at scale
 // factors 1 and 2.
 #include "../support/TestEnvironment.h"
@@ -15,20 +16,25 @@
 
 namespace {
 
-// The picture plugins mapped into this process, by file name.
-QStringList loadedPicturePlugins()
+// The files mapped into this process whose path holds the marker, by the path after it.
+QStringList mappedFiles(const QByteArray& marker)
 {
     QFile maps(QStringLiteral("/proc/self/maps"));
     if (!maps.open(QIODevice::ReadOnly))
         return {QStringLiteral("(maps unreadable)")};
     QStringList found;
     for (const QByteArray& line : maps.readAll().split('\n')) {
-        const int at = int(line.indexOf("/imageformats/"));
-        const QString name = QString::fromLocal8Bit(line.mid(at + 14));
+        const int at = int(line.indexOf(marker));
+        const QString name = QString::fromLocal8Bit(line.mid(at + marker.size()));
         if (at >= 0 && !found.contains(name))
             found << name;
     }
     return found;
+}
+
+QStringList loadedPicturePlugins()
+{
+    return mappedFiles("/imageformats/");
 }
 
 QImage image(const QPixmap& pixmap)
@@ -74,6 +80,7 @@ private slots:
         QStringList loaded = loadedPicturePlugins();
         loaded.removeAll(QStringLiteral("libqgif.so"));
         QVERIFY2(loaded.isEmpty(), qPrintable(loaded.join(u' ')));
+        QVERIFY2(mappedFiles("/libcurl").isEmpty(), "libcurl was loaded before any transfer");
 
         // The check sees plugins when they are loaded: a guess loads every one installed.
         const QString plugins =
