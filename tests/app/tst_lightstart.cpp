@@ -112,6 +112,70 @@ private slots:
         compareIcons(AppImages::pngIcon(path), QIcon(path));
     }
 
+    // The copies decoded at build time hold exactly what reading the file gives.
+    void decodedCopiesAreTheFiles_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QByteArray>("format");
+        QTest::newRow("splash") << ":/splash.ppm" << QByteArray("ppm");
+        QTest::newRow("toolbar icon") << ":/icons/Find.png" << QByteArray("png");
+        QTest::newRow("toolbar icon @2x") << ":/icons/Find@2x.png" << QByteArray("png");
+        QTest::newRow("window icon") << ":/icons/tallybid.png" << QByteArray("png");
+    }
+    void decodedCopiesAreTheFiles()
+    {
+        QFETCH(QString, path);
+        QFETCH(QByteArray, format);
+        QVERIFY2(QFile::exists(QStringLiteral(":/decoded") + path.mid(1)), "no decoded copy");
+        QImageReader reader(path, format);
+        const QPixmap read = QPixmap::fromImage(reader.read());
+        const QPixmap ours = AppImages::pixmap(path, format.constData());
+        QCOMPARE(ours.devicePixelRatio(), read.devicePixelRatio());
+        QCOMPARE(image(ours), image(read));
+    }
+
+    void decodedForm_data()
+    {
+        QTest::addColumn<QByteArray>("data");
+        QTest::addColumn<bool>("whole");
+        QImage alpha(5, 3, QImage::Format_ARGB32);
+        alpha.fill(QColor(10, 200, 30, 100));
+        alpha.setPixelColor(4, 2, QColor(255, 0, 0, 0));
+        QImage opaque(3, 4, QImage::Format_Indexed8);
+        opaque.setColorTable({qRgb(1, 2, 3), qRgb(250, 251, 252)});
+        opaque.fill(1);
+        QImage dense = alpha;
+        dense.setDevicePixelRatio(2);
+        const QByteArray good = AppImages::toDecoded(alpha);
+        QTest::newRow("transparent") << good << true;
+        QTest::newRow("opaque, from a palette") << AppImages::toDecoded(opaque) << true;
+        QTest::newRow("pixel ratio 2") << AppImages::toDecoded(dense) << true;
+        QTest::newRow("empty") << QByteArray() << false;
+        QTest::newRow("another kind of file")
+            << QByteArray("P6\n5 3\n255\n") + good.mid(11) << false;
+        QTest::newRow("cut short") << good.chopped(1) << false;
+        QTest::newRow("too long") << good + '\0' << false;
+        QByteArray huge = good;
+        huge[5] = '\x7f'; // width 0x7f05
+        QTest::newRow("too wide") << huge << false;
+        QByteArray format = good;
+        format[12] = char(QImage::Format_Mono);
+        QTest::newRow("other pixel format") << format << false;
+        QByteArray ratio = good;
+        ratio[16] = 0;
+        QTest::newRow("pixel ratio 0") << ratio << false;
+    }
+    void decodedForm()
+    {
+        QFETCH(QByteArray, data);
+        QFETCH(bool, whole);
+        const QImage back = AppImages::fromDecoded(data);
+        QCOMPARE(!back.isNull(), whole);
+        if (!whole)
+            return;
+        QCOMPARE(AppImages::toDecoded(back), data); // nothing lost either way
+    }
+
     // Deferred or not, each icon draws as the wrapped style's own.
     void styleIconsAsTheStyleGives_data()
     {
