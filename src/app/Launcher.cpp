@@ -73,6 +73,13 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
         const Startup::OpenFailure failure = Startup::describeOpenFailure(opened);
         return refuse(failure.text, failure.title, 1);
     }
+    // The keys of the view the window will reopen, read on a thread of their own from here on
+    // while the rest of the start runs: over many items they are its longest single step.
+    std::shared_ptr<KeyPrefetch> viewKeys;
+    if (const auto view = frmItems::savedView(m_store)) {
+        const RecordSet::KeyRead keys = RecordSet::keyRead(frmItems::viewSource(*view));
+        viewKeys = std::make_shared<KeyPrefetch>(opened.database, keys.sql, keys.order);
+    }
 
     // One copy per user, whatever its folder: the settings are the user's, not the folder's.
     // Checked before anything is saved, so a refused copy leaves the settings as they were.
@@ -95,10 +102,7 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     state.databasePath = databasePath;
     state.themeSetFN = appPath + QLatin1String("/standard.tbt");
     Startup::prepareSettings(m_store, appPath);
-    if (const auto view = frmItems::savedView(m_store)) {
-        const RecordSet::KeyRead keys = RecordSet::keyRead(frmItems::viewSource(*view));
-        state.startupKeys = std::make_shared<KeyPrefetch>(opened.database, keys.sql, keys.order);
-    }
+    state.startupKeys = std::move(viewKeys);
     state.timeZoneBias = m_timeZone.bias();
 
     frmSplash splash;
