@@ -126,6 +126,6 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     m_window = std::make_unique<frmItems>(*m_context, screenPixels);
     Startup::deletePageCache(appPath);
     m_window->show();
-    splash.finish(m_window.get());
+    splash.closeWhenShown(*m_window);
     return true;
 }

@@ -3,7 +3,10 @@
 #include "platform/AppImages.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QPainter>
+#include <QTimer>
+#include <QWindow>
 
 namespace {
 // The artwork carries its own line about what is happening; only the plain fallback needs one.
@@ -43,6 +46,19 @@ frmSplash::frmSplash()
         showMessage(QStringLiteral("Version %1  -  loading your items...")
                         .arg(QCoreApplication::applicationVersion()),
                     Qt::AlignBottom | Qt::AlignHCenter, Qt::white);
+}
+
+void frmSplash::closeWhenShown(QWidget& window)
+{
+    window.winId(); // the native window whose showing is waited for
+    const QWindow* shown = window.windowHandle();
+    // The desktop may never show it (another workspace): a second at most, as before.
+    const QDeadlineTimer deadline(1000);
+    QTimer wake; // ends the wait below when no other event comes
+    wake.start(10);
+    while (shown && !shown->isExposed() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    close();
 }
 
 void frmSplash::drawContents(QPainter* painter)

@@ -74,7 +74,10 @@ private slots:
         QVERIFY(
             launcher.start({QStringLiteral("tallybid"), QStringLiteral("--appdir"), env.appPath()},
                            {}, QSize(1280, 1024)));
-        QVERIFY(QTest::qWaitForWindowExposed(launcher.window()));
+        // Start-up returns with the window on screen and the splash gone.
+        QVERIFY(launcher.window()->windowHandle()->isExposed());
+        for (const QWidget* w : QApplication::topLevelWidgets())
+            QVERIFY2(!w->isVisible() || !w->inherits("QSplashScreen"), "the splash is still up");
         launcher.window()->grab(); // every icon shown is drawn
         // The logo an item without pictures shows is a GIF: its own plugin, found by name.
         QStringList loaded = loadedPicturePlugins();
