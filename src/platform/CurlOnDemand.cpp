@@ -43,13 +43,14 @@ CurlLibrary open()
     CurlLibrary lib;
     // The run-time name first; the development link where only that is installed.
     void* library = dlopen("libcurl.so.4", RTLD_NOW | RTLD_LOCAL);
-    if (!library)
-        library = dlopen("libcurl.so", RTLD_NOW | RTLD_LOCAL);
     if (!library) {
-        const char* why = dlerror();
+        const char* why = dlerror(); // the run-time name's reason is the one that matters
         lib.problem = std::string("The network library libcurl could not be loaded (") +
                       (why ? why : "not found") + ").";
-        return lib;
+        library = dlopen("libcurl.so", RTLD_NOW | RTLD_LOCAL);
+        if (!library)
+            return lib;
+        lib.problem.clear();
     }
     // Kept open until the program ends: handles and callbacks may live that long.
     const bool found = resolve(library, "curl_global_init", lib.globalInit) &&
