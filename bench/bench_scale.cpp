@@ -243,10 +243,11 @@ void measureWindow(const QString& folder, int items, int runs, bool judged)
     SettingsStore store(config.path());
     FixedTimeZone timeZone(300);
     const QString connection = QStringLiteral("bench-%1").arg(items);
-    const DatabaseOpenResult opened = openDatabase(path, connection);
-    if (!opened.ok())
-        qFatal("cannot open %s", qPrintable(path));
     {
+        // Every handle on the connection, this one included, is gone before it is removed.
+        const DatabaseOpenResult opened = openDatabase(path, connection);
+        if (!opened.ok())
+            qFatal("cannot open %s", qPrintable(path));
         AppContext ctx{prompts, shell, store, timeZone, opened.database, {}};
         ctx.state.appPath = folder;
         ctx.state.databasePath = path;
