@@ -260,13 +260,8 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
     rebuildLinksMenu();
 
     Data1->usePrefetchedKeys(std::move(m_ctx.state.startupKeys));
-    const std::optional<View> viewed = savedView(m_ctx.store);
-    if (viewed == View::All)
-        mnuAll_Click();
-    else if (viewed == View::Active)
-        mnuOpen_Click();
-    else if (viewed == View::Inactive)
-        mnuClosed_Click();
+    if (const std::optional<View> viewed = savedView(m_ctx.store))
+        openView(*viewed);
     Data1->usePrefetchedKeys(nullptr); // a later refresh reads afresh
 }
 
