@@ -24,9 +24,10 @@ quint32 field(QByteArrayView data, int index)
 
 QImage decodedCopy(const QString& path)
 {
-    if (!path.startsWith(QLatin1String(":/")))
+    const QString decoded = decodedPath(path);
+    if (decoded.isEmpty())
         return {};
-    const QResource resource(QLatin1String(":/decoded") + QStringView(path).mid(1));
+    const QResource resource(decoded);
     return resource.isValid() ? fromDecoded(resource.uncompressedData()) : QImage();
 }
 
@@ -54,6 +55,13 @@ QString denserFile(const QString& path)
 }
 
 } // namespace
+
+QString decodedPath(const QString& path)
+{
+    return path.startsWith(QLatin1String(":/"))
+               ? QLatin1String(":/decoded") + QStringView(path).mid(1)
+               : QString();
+}
 
 QByteArray toDecoded(const QImage& image)
 {

@@ -129,7 +129,7 @@ private slots:
     {
         QFETCH(QString, path);
         QFETCH(QByteArray, format);
-        QVERIFY2(QFile::exists(QStringLiteral(":/decoded") + path.mid(1)), "no decoded copy");
+        QVERIFY2(QFile::exists(AppImages::decodedPath(path)), "no decoded copy");
         QImageReader reader(path, format);
         const QPixmap read = QPixmap::fromImage(reader.read());
         const QPixmap ours = AppImages::pixmap(path, format.constData());
