@@ -166,13 +166,19 @@ int childBare(int argc, char** argv)
     return watch.exec();
 }
 
+// Every start-up child runs on the chosen platform.
+QProcessEnvironment childEnvironment()
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), gChildPlatform);
+    return env;
+}
+
 // Milliseconds to first paint and peak kilobytes of one child.
 std::pair<double, long> runChild(const QStringList& arguments)
 {
     QProcess child;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), gChildPlatform);
-    child.setProcessEnvironment(env);
+    child.setProcessEnvironment(childEnvironment());
     child.start(QCoreApplication::applicationFilePath(), arguments);
     child.waitForFinished(120000);
     const QList<QByteArray> parts = child.readAllStandardOutput().trimmed().split(' ');
@@ -193,8 +199,7 @@ double launchToPaint(const QString& program, const QStringList& arguments,
                      const QString& runtimeDir)
 {
     QProcess child;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), gChildPlatform);
+    QProcessEnvironment env = childEnvironment();
     env.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(FIRST_PAINT_PROBE));
     env.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeDir); // the program's lock file
     child.setProcessEnvironment(env);
