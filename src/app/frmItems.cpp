@@ -259,10 +259,12 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
         ui->mnuViewStatusBar->trigger();
     rebuildLinksMenu();
 
-    Data1->usePrefetchedKeys(std::move(m_ctx.state.startupKeys));
-    if (const std::optional<View> viewed = savedView(m_ctx.store))
+    // The keys start-up read ahead serve the reopened view alone.
+    std::shared_ptr<KeyPrefetch> startupKeys = std::move(m_ctx.state.startupKeys);
+    if (const std::optional<View> viewed = savedView(m_ctx.store)) {
+        Data1->usePrefetchedKeys(std::move(startupKeys));
         openView(*viewed);
-    Data1->usePrefetchedKeys(nullptr); // a later refresh reads afresh
+    }
 }
 
 frmItems::~frmItems() = default;

@@ -87,6 +87,8 @@ bool RecordSet::refresh()
     m_deletedCurrent = false;
     m_noMatch = false;
     m_lastError.clear();
+    // Keys read ahead serve this refresh alone, whatever becomes of it.
+    const std::shared_ptr<KeyPrefetch> prefetch = std::exchange(m_prefetch, nullptr);
     const SourceRows rows = sourceRows(m_source);
     const QString& sql = rows.sql;
     m_keyOrder = rows.keyOrder;
@@ -107,7 +109,6 @@ bool RecordSet::refresh()
             m_columns << rec.fieldName(i);
         q.finish();
         const KeyRead read = keyReadOf(rows);
-        const std::shared_ptr<KeyPrefetch> prefetch = std::exchange(m_prefetch, nullptr);
         if (auto ahead = prefetch ? prefetch->take(m_db, read.sql) : std::nullopt)
             keys.ids = std::move(*ahead);
         else

@@ -71,7 +71,7 @@ public:
     bool refresh();
     // How a record source's keys are read (the statement listing them and its order), for
     // reading them ahead on a KeyPrefetch; the next refresh takes them from it when they are
-    // still what the source holds.
+    // still what the source holds, and lets go of it either way.
     struct KeyRead
     {
         QString sql; // empty when the source cannot be read
