@@ -11,5 +11,5 @@ function(tb_add_test)
     add_test(NAME ${T_NAME} COMMAND ${T_NAME})
     set_tests_properties(${T_NAME} PROPERTIES
         TIMEOUT 300
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LANG=en_US.UTF-8;LC_ALL=en_US.UTF-8;TZ=America/New_York;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-config;XDG_DATA_HOME=${CMAKE_BINARY_DIR}/test-data/${T_NAME};XDG_RUNTIME_DIR=${CMAKE_BINARY_DIR}/test-runtime/${T_NAME};TB_SOURCE_DIR=${CMAKE_SOURCE_DIR};TB_APP_DIR=${TB_APP_DIR};TB_PYTHON=/usr/bin/python3")
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LANG=en_US.UTF-8;LC_ALL=en_US.UTF-8;TZ=America/New_York;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-config;XDG_CACHE_HOME=${CMAKE_BINARY_DIR}/test-cache/${T_NAME};XDG_DATA_HOME=${CMAKE_BINARY_DIR}/test-data/${T_NAME};XDG_RUNTIME_DIR=${CMAKE_BINARY_DIR}/test-runtime/${T_NAME};TB_SOURCE_DIR=${CMAKE_SOURCE_DIR};TB_APP_DIR=${TB_APP_DIR};TB_PYTHON=/usr/bin/python3")
 endfunction()

@@ -8,6 +8,7 @@
 #include "app/texts.h"
 #include "platform/Database.h"
 #include "platform/DeferredIconStyle.h"
+#include "platform/KeyCache.h"
 #include "platform/Prompts.h"
 #include "platform/TimeZone.h"
 #include "settings/AppContext.h"
@@ -16,6 +17,7 @@
 #include <QFileInfo>
 #include <QLockFile>
 #include <QSqlDatabase>
+#include <QStandardPaths>
 #include <QUuid>
 #include <cstdio>
 
@@ -26,6 +28,7 @@ Launcher::Launcher(Prompts& prompts, Shell& shell, SettingsStore& store, TimeZon
 
 Launcher::~Launcher()
 {
+    const bool ran = m_window != nullptr;
     m_window.reset();
     if (m_context) {
         m_context->itemDatabase.close();
@@ -33,6 +36,16 @@ Launcher::~Launcher()
     }
     if (!m_connection.isEmpty())
         QSqlDatabase::removeDatabase(m_connection);
+    m_startupKeys.reset();
+    // The keys of the view the next start reopens, read now that the database is closed (and
+    // its log copied in) unless they are kept already.
+    if (ran) {
+        if (const auto view = frmItems::savedView(m_store)) {
+            const RecordSet::KeyRead keys = RecordSet::keyRead(frmItems::viewSource(*view));
+            if (!keys.sql.isEmpty())
+                keepKeysForNextStart(m_databasePath, keys.sql, keys.order, m_keptKeysFile);
+        }
+    }
 }
 
 bool Launcher::refuse(const QString& text, const QString& title, int exitCode)
@@ -75,10 +88,14 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     }
     // The keys of the view the window will reopen, read on a thread of their own from here on
     // while the rest of the start runs: over many items they are its longest single step.
-    std::shared_ptr<KeyPrefetch> viewKeys;
+    // From the file the last run kept them in when the database is as that run left it.
+    m_databasePath = databasePath;
+    m_keptKeysFile = KeyCache::keptFileFor(
+        QStandardPaths::writableLocation(QStandardPaths::CacheLocation), databasePath);
     if (const auto view = frmItems::savedView(m_store)) {
         const RecordSet::KeyRead keys = RecordSet::keyRead(frmItems::viewSource(*view));
-        viewKeys = std::make_shared<KeyPrefetch>(opened.database, keys.sql, keys.order);
+        m_startupKeys =
+            std::make_shared<KeyPrefetch>(opened.database, keys.sql, keys.order, m_keptKeysFile);
     }
 
     // One copy per user, whatever its folder: the settings are the user's, not the folder's.
@@ -102,7 +119,7 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     state.databasePath = databasePath;
     state.themeSetFN = appPath + QLatin1String("/standard.tbt");
     Startup::prepareSettings(m_store, appPath);
-    state.startupKeys = std::move(viewKeys);
+    state.startupKeys = m_startupKeys;
     state.timeZoneBias = m_timeZone.bias();
 
     frmSplash splash;

@@ -10,6 +10,7 @@ class SettingsStore;
 class TimeZone;
 class QLockFile;
 class frmItems;
+class KeyPrefetch;
 struct AppContext;
 
 // Start-up in order: application folder (set up on first use), tb2.mdb, settings, splash, one
@@ -40,6 +41,11 @@ private:
     std::unique_ptr<AppContext> m_context;
     std::unique_ptr<QLockFile> m_lock;
     std::unique_ptr<frmItems> m_window;
+    // The keys read ahead for the window, kept till the end so their keeping for the next start
+    // (KeyCache) never holds up the window.
+    std::shared_ptr<KeyPrefetch> m_startupKeys;
+    QString m_databasePath;
+    QString m_keptKeysFile;
     QString m_connection;
     QString m_lockFolder;
     int m_exitCode = 0;

@@ -1,6 +1,7 @@
 #include "platform/Database.h"
 
 #include "platform/JetSql.h"
+#include "platform/KeyCache.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -223,6 +224,31 @@ IdScan readIdsOn(sqlite3* h, const QString& sql, KeyOrder order)
     return keys;
 }
 
+// The keys of sql on a connection of its own to the database file name (a plain path or a URI);
+// opening never creates the file.
+IdScan readIdsFrom(const QString& name, const QString& sql, KeyOrder order)
+{
+    IdScan result;
+    sqlite3* h = nullptr;
+    const QByteArray file = QFile::encodeName(name);
+    // The name may be a URI that asks for a file opened for writing; nothing is written.
+    if (sqlite3_open_v2(file.constData(), &h, SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, nullptr) ==
+            SQLITE_OK &&
+        installKeyCollector(h))
+        result = readIdsOn(h, sql, order);
+    else
+        result.error = QString::fromUtf8(sqlite3_errmsg(h));
+    sqlite3_close(h); // a no-op on null
+    return result;
+}
+
+// The file behind a connection, whose name may be a "file:" URI with options.
+QString fileOfConnection(const QSqlDatabase& db)
+{
+    const QString name = db.databaseName();
+    return name.startsWith(QLatin1String("file:")) ? QUrl(name).toLocalFile() : name;
+}
+
 } // namespace
 
 KeptStatement::~KeptStatement()
@@ -290,32 +316,43 @@ IdScan readIds(const QSqlDatabase& db, const QString& sql, KeyOrder order)
     return h ? readIdsOn(h, sql, order) : notOpen();
 }
 
-KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder order)
+KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder order,
+                         const QString& keptFile)
     : m_sql(sql), m_version(dataVersion(db))
 {
-    const QString path = db.databaseName();
-    const auto read = [path, sql, order] {
-        IdScan result;
-        sqlite3* h = nullptr;
-        const QByteArray file = QFile::encodeName(path);
-        // The name may be a URI that asks for a file opened for writing; nothing is written.
-        if (sqlite3_open_v2(file.constData(), &h, SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
-                            nullptr) == SQLITE_OK &&
-            installKeyCollector(h))
-            result = readIdsOn(h, sql, order);
-        else
-            result.error = QString::fromUtf8(sqlite3_errmsg(h));
-        sqlite3_close(h); // a no-op on null
-        return result;
+    std::promise<IdScan> promise;
+    m_keys = promise.get_future();
+    auto work = [promise = std::move(promise), uri = db.databaseName(), file = fileOfConnection(db),
+                 sql, order, keptFile]() mutable {
+        if (std::optional<QList<qint64>> kept = KeyCache::load(keptFile, file, sql)) {
+            IdScan result;
+            result.ids = std::move(*kept);
+            promise.set_value(std::move(result));
+            return;
+        }
+        const std::optional<KeyCache::FileState> before = KeyCache::stateOf(file);
+        IdScan result = readIdsFrom(uri, sql, order);
+        const QList<qint64> keys = result.ids; // shared, not copied
+        const bool keep =
+            !keptFile.isEmpty() && result.ok() && before && before == KeyCache::stateOf(file);
+        // The caller may be waiting: the keys first, the keeping after.
+        promise.set_value(std::move(result));
+        if (keep)
+            KeyCache::save(keptFile, *before, sql, keys);
     };
     try {
-        m_keys = std::async(std::launch::async, read);
+        m_worker = std::thread(std::move(work));
     } catch (const std::system_error&) {
         // No thread to be had: take() gives nothing and the window reads the keys itself.
+        m_keys = {};
     }
 }
 
-KeyPrefetch::~KeyPrefetch() = default; // the future waits for the thread
+KeyPrefetch::~KeyPrefetch()
+{
+    if (m_worker.joinable())
+        m_worker.join();
+}
 
 std::optional<QList<qint64>> KeyPrefetch::take(const QSqlDatabase& db, const QString& sql)
 {
@@ -328,6 +365,18 @@ std::optional<QList<qint64>> KeyPrefetch::take(const QSqlDatabase& db, const QSt
     if (!keys.ok() || dataVersion(db) != m_version)
         return std::nullopt;
     return std::move(keys.ids);
+}
+
+void keepKeysForNextStart(const QString& databaseFile, const QString& sql, KeyOrder order,
+                          const QString& keptFile)
+{
+    const std::optional<KeyCache::FileState> before = KeyCache::stateOf(databaseFile);
+    if (!before || KeyCache::load(keptFile, databaseFile, sql))
+        return;
+    const IdScan keys = readIdsFrom(databaseFile, sql, order);
+    // Written by another program while they were read: the next start reads them itself.
+    if (keys.ok() && KeyCache::stateOf(databaseFile) == before)
+        KeyCache::save(keptFile, *before, sql, keys.ids);
 }
 
 bool RowReader::read(const QSqlDatabase& db, const QString& sql, qint64 key, QVariantList& values)

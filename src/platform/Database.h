@@ -7,6 +7,7 @@
 
 #include <future>
 #include <optional>
+#include <thread>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -62,12 +63,15 @@ enum class KeyOrder
 IdScan readIds(const QSqlDatabase& db, const QString& sql, KeyOrder order);
 
 // Reads the keys of a statement (as readIds does) on a connection of its own and on another
-// thread, while the caller goes on building what will need them.
+// thread, while the caller goes on building what will need them. With a kept-keys file
+// (KeyCache) the keys come from it when it holds them for the database as it is; otherwise they
+// are read and, the database file unchanged meanwhile, kept in it for the next start.
 class KeyPrefetch
 {
 public:
-    KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder order);
-    ~KeyPrefetch(); // waits for the reading to end
+    KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder order,
+                const QString& keptFile = {});
+    ~KeyPrefetch(); // waits for the reading (and the keeping) to end
     KeyPrefetch(const KeyPrefetch&) = delete;
     KeyPrefetch& operator=(const KeyPrefetch&) = delete;
 
@@ -80,7 +84,14 @@ private:
     QString m_sql;
     QString m_version;
     std::future<IdScan> m_keys;
+    std::thread m_worker;
 };
+
+// Leaves in keptFile the keys sql lists in the database file as it is now (closed by this
+// program), reading them only when the file does not hold them already. For the end of a run,
+// so the next start finds them.
+void keepKeysForNextStart(const QString& databaseFile, const QString& sql, KeyOrder order,
+                          const QString& keptFile);
 
 // A statement kept prepared between runs of the same SQL on the same connection (preparing
 // can cost more than running it). A connection closed while a statement is kept cannot

@@ -7,10 +7,14 @@
 #include "app/FindCriteria.h"
 #include "app/Launcher.h"
 #include "app/Startup.h"
+#include "app/frmItems.h"
 #include "app/texts.h"
 #include "platform/Database.h"
+#include "platform/KeyCache.h"
 
+#include <QLineEdit>
 #include <QSqlQuery>
+#include <QStandardPaths>
 #include <QtTest>
 #include <unistd.h>
 
@@ -74,6 +78,8 @@ private slots:
     void setUpDataFolder();
     void refusals_data();
     void refusals();
+    void restartAfterChange_data();
+    void restartAfterChange();
     void openFailureMessages_data();
     void openFailureMessages();
     void textSearch_data();
@@ -238,6 +244,49 @@ void TestStartup::refusals()
              qPrintable(env.prompts().shown().at(0).text));
     QCOMPARE(env.prompts().shown().at(0).title, Texts::kErrorTitle);
     QVERIFY(launcher.window() == nullptr);
+}
+
+// The keys a run keeps for the next start never outlive a change made between the runs.
+void TestStartup::restartAfterChange_data()
+{
+    QTest::addColumn<QString>("change"); // run on a connection of its own between the runs
+    QTest::addColumn<int>("total");
+    QTest::newRow("nothing") << QString() << 7;
+    QTest::newRow("an item added") << "INSERT INTO Items (ShortDescription) VALUES ('new')" << 8;
+    QTest::newRow("an item deleted") << "DELETE FROM Items WHERE ID = 1" << 6;
+}
+
+void TestStartup::restartAfterChange()
+{
+    QFETCH(QString, change);
+    TestEnvironment env;
+    env.addNumberedItems(7);
+    env.context().itemDatabase.close(); // the runs alone have the database open
+    const QString database = env.context().state.databasePath;
+    const QStringList arguments{QStringLiteral("tallybid"), QStringLiteral("--appdir"),
+                                env.appPath()};
+    const auto run = [&] {
+        Launcher launcher(env.prompts(), env.shell(), env.store(), env.context().timeZone);
+        launcher.setLockFolder(env.appPath());
+        if (!launcher.start(arguments, {}, QSize(1280, 1024)))
+            return QStringLiteral("not started");
+        return launcher.window()->findChild<QLineEdit*>(QStringLiteral("txtTotItem"))->text();
+    };
+    QCOMPARE(run(), QStringLiteral("7"));
+    const QString kept = KeyCache::keptFileFor(
+        QStandardPaths::writableLocation(QStandardPaths::CacheLocation), database);
+    QVERIFY(QFileInfo::exists(kept));
+    if (!change.isEmpty()) {
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), "other");
+            other.setDatabaseName(database);
+            QVERIFY(other.open());
+            QVERIFY(QSqlQuery(other).exec(change));
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("other"));
+    }
+    QTEST(run().toInt(), "total");
+    QTEST(rowCount(database), "total");
 }
 
 void TestStartup::openFailureMessages_data()
