@@ -100,6 +100,12 @@ QString lockFolder()
     return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
 }
 
+QString cacheFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+           QLatin1String("/tallybid");
+}
+
 QString setUp(const QString& folder, const QString& shipped, const QString& schemaScript)
 {
     if (!QFileInfo(folder).isDir()) {

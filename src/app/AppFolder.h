@@ -38,6 +38,9 @@ QString shippedFolder(const QString& executableDir);
 // The user's runtime folder, where the lock that allows one running copy per user lives; ""
 // when the system offers none.
 QString lockFolder();
+// The user's cache folder for this program (~/.cache/tallybid), where what can be worked out
+// again is kept between runs.
+QString cacheFolder();
 
 // Completes a user data folder: creates it readable by the user alone, copies each shipped file
 // that is missing and makes an empty tb2.mdb from the schema when there is none. Files already

@@ -17,7 +17,6 @@
 #include <QFileInfo>
 #include <QLockFile>
 #include <QSqlDatabase>
-#include <QStandardPaths>
 #include <QUuid>
 #include <cstdio>
 
@@ -90,8 +89,7 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     // while the rest of the start runs: over many items they are its longest single step.
     // From the file the last run kept them in when the database is as that run left it.
     m_databasePath = databasePath;
-    m_keptKeysFile = KeyCache::keptFileFor(
-        QStandardPaths::writableLocation(QStandardPaths::CacheLocation), databasePath);
+    m_keptKeysFile = KeyCache::keptFileFor(AppFolder::cacheFolder(), databasePath);
     if (const auto view = frmItems::savedView(m_store)) {
         const RecordSet::KeyRead keys = RecordSet::keyRead(frmItems::viewSource(*view));
         m_startupKeys =

@@ -14,7 +14,6 @@
 
 #include <QLineEdit>
 #include <QSqlQuery>
-#include <QStandardPaths>
 #include <QtTest>
 #include <unistd.h>
 
@@ -273,8 +272,7 @@ void TestStartup::restartAfterChange()
         return launcher.window()->findChild<QLineEdit*>(QStringLiteral("txtTotItem"))->text();
     };
     QCOMPARE(run(), QStringLiteral("7"));
-    const QString kept = KeyCache::keptFileFor(
-        QStandardPaths::writableLocation(QStandardPaths::CacheLocation), database);
+    const QString kept = KeyCache::keptFileFor(AppFolder::cacheFolder(), database);
     QVERIFY(QFileInfo::exists(kept));
     if (!change.isEmpty()) {
         {
