@@ -8,6 +8,7 @@
 #include "app/texts.h"
 #include "platform/Database.h"
 #include "platform/DeferredIconStyle.h"
+#include "platform/InstanceLock.h"
 #include "platform/KeyCache.h"
 #include "platform/Prompts.h"
 #include "platform/TimeZone.h"
@@ -15,7 +16,6 @@
 
 #include <QApplication>
 #include <QFileInfo>
-#include <QLockFile>
 #include <QSqlDatabase>
 #include <QUuid>
 #include <cstdio>
@@ -99,14 +99,16 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     // One copy per user, whatever its folder: the settings are the user's, not the folder's.
     // Checked before anything is saved, so a refused copy leaves the settings as they were.
     const QString lockFolder = m_lockFolder.isNull() ? AppFolder::lockFolder() : m_lockFolder;
-    m_lock = std::make_unique<QLockFile>(lockFolder + QLatin1String("/tallybid.lock"));
-    if (lockFolder.isEmpty() || !m_lock->tryLock(0)) {
-        if (!lockFolder.isEmpty() && m_lock->error() == QLockFile::LockFailedError)
-            return refuse(Texts::kAlreadyRunning, {}, 0);
+    m_lock = std::make_unique<InstanceLock>(lockFolder + QLatin1String("/tallybid.lock"));
+    const InstanceLock::Outcome locked =
+        lockFolder.isEmpty() ? InstanceLock::Outcome::Failed : m_lock->tryLock();
+    if (locked == InstanceLock::Outcome::HeldByAnother)
+        return refuse(Texts::kAlreadyRunning, {}, 0);
+    if (locked == InstanceLock::Outcome::Failed) {
         QString reason = lockFolder.isEmpty() ? QStringLiteral("the system names no runtime folder")
                                               : AppFolder::writeProblem(lockFolder);
         if (reason.isEmpty())
-            reason = QStringLiteral("the lock file could not be created");
+            reason = m_lock->errorString();
         return refuse(AppFolder::cannotLockMessage(lockFolder, reason), Texts::kErrorTitle, 1);
     }
 

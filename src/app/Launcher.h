@@ -8,7 +8,7 @@ class Prompts;
 class Shell;
 class SettingsStore;
 class TimeZone;
-class QLockFile;
+class InstanceLock;
 class frmItems;
 class KeyPrefetch;
 struct AppContext;
@@ -39,7 +39,7 @@ private:
     SettingsStore& m_store;
     TimeZone& m_timeZone;
     std::unique_ptr<AppContext> m_context;
-    std::unique_ptr<QLockFile> m_lock;
+    std::unique_ptr<InstanceLock> m_lock;
     std::unique_ptr<frmItems> m_window;
     // The keys read ahead for the window, kept till the end so their keeping for the next start
     // (KeyCache) never holds up the window.
