@@ -8,6 +8,7 @@
 #include "app/texts.h"
 #include "platform/Database.h"
 #include "platform/DeferredIconStyle.h"
+#include "platform/FontWarmUp.h"
 #include "platform/InstanceLock.h"
 #include "platform/KeyCache.h"
 #include "platform/Prompts.h"
@@ -140,6 +141,7 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
             Texts::kErrorTitle, PromptIcon::Exclamation);
 
     state.options = OptionsRecord::load(m_store);
+    FontWarmUp::wait(); // the window's first box lays out text
     m_window = std::make_unique<frmItems>(*m_context, screenPixels);
     Startup::deletePageCache(appPath);
     m_window->show();

@@ -2,6 +2,10 @@
 
 #include <system_error>
 
+namespace {
+FontWarmUp* gRunning = nullptr; // the one whose reading wait() waits for
+} // namespace
+
 #if __has_include(<dlfcn.h>)
 #include <dlfcn.h>
 #define TB_HAVE_DLSYM 1
@@ -10,14 +14,16 @@
 FontWarmUp::FontWarmUp()
 {
 #ifdef TB_HAVE_DLSYM
-    // Looked up rather than linked: Qt has loaded the library already wherever it uses it, and
-    // the call is safe to race with Qt's own (the library keeps whichever setup finishes first).
+    // Looked up rather than linked: Qt has loaded the library already wherever it uses it. The
+    // call is safe to race with Qt's own (the library keeps whichever setup finishes first), but
+    // a race does the work twice: wait() keeps the window from starting a second one.
     using Init = int (*)();
     const auto init = reinterpret_cast<Init>(dlsym(RTLD_DEFAULT, "FcInit"));
     if (!init)
         return;
     try {
         m_thread = std::thread([init] { init(); });
+        gRunning = this;
     } catch (const std::system_error&) {
         // No thread to be had: Qt reads the configuration when it first needs it.
     }
@@ -28,4 +34,12 @@ FontWarmUp::~FontWarmUp()
 {
     if (m_thread.joinable())
         m_thread.join();
+    if (gRunning == this)
+        gRunning = nullptr;
+}
+
+void FontWarmUp::wait()
+{
+    if (gRunning && gRunning->m_thread.joinable())
+        gRunning->m_thread.join();
 }

@@ -7,6 +7,8 @@
 // this starts that reading on a thread of its own so it overlaps everything up to the first
 // text; Qt's own font setup then finds it done. Where the system has no such configuration
 // library, it does nothing. Waits for the thread when destroyed.
+//
+// One at a time, made and waited for on the main thread.
 class FontWarmUp
 {
 public:
@@ -14,6 +16,12 @@ public:
     ~FontWarmUp();
     FontWarmUp(const FontWarmUp&) = delete;
     FontWarmUp& operator=(const FontWarmUp&) = delete;
+
+    // Waits for the reading a FontWarmUp started, if any; call before the first text is laid
+    // out. The configuration library does not make a second reader wait for the first: it
+    // reads everything again itself and keeps whichever finishes first, so text laid out while
+    // the thread is still reading costs the whole reading twice over.
+    static void wait();
 
 private:
     std::thread m_thread;
