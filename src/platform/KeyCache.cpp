@@ -100,6 +100,10 @@ std::optional<FileState> stateOf(const QString& databaseFile)
     if (::stat(QFile::encodeName(databaseFile + QLatin1String("-wal")).constData(), &log) == 0 &&
         log.st_size > 0)
         return std::nullopt;
+    // A file system that keeps whole seconds (FAT on a memory stick, some network shares) cannot
+    // tell two writes a moment apart.
+    if (file.st_mtim.tv_nsec == 0 && file.st_ctim.tv_nsec == 0)
+        return std::nullopt;
     return FileState{qint64(file.st_dev), qint64(file.st_ino), qint64(file.st_size),
                      nanoseconds(file.st_mtim), nanoseconds(file.st_ctim)};
 }

@@ -18,7 +18,8 @@
 namespace KeyCache {
 
 // What identifies the content of a database file; nothing while its write-ahead log holds
-// writes not yet copied into it, or when the file cannot be examined.
+// writes not yet copied into it, when its times are kept to the second only, or when the file
+// cannot be examined.
 struct FileState
 {
     qint64 device = 0;
