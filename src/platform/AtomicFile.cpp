@@ -1,5 +1,7 @@
 #include "platform/AtomicFile.h"
 
+#include "platform/PosixFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -7,11 +9,15 @@
 #include <QThread>
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+using PosixFile::Descriptor;
+using PosixFile::reasonOf;
+using PosixFile::stillNamed;
+using PosixFile::tryLock;
 
 namespace {
 
@@ -20,45 +26,9 @@ constexpr int kLockWaitMs = 10000;
 constexpr int kLockPollMs = 20;
 constexpr int kAttempts = 100;
 
-QString reasonOf(int error)
-{
-    return QString::fromLocal8Bit(std::strerror(error));
-}
-
 QByteArray nativePath(const QString& path)
 {
     return QFile::encodeName(path);
-}
-
-// An open file descriptor, closed (and so unlocked) when it goes out of scope.
-class Descriptor
-{
-public:
-    explicit Descriptor(int fd = -1) : m_fd(fd) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { reset(); }
-
-    int get() const { return m_fd; }
-    bool valid() const { return m_fd >= 0; }
-    void reset(int fd = -1)
-    {
-        if (m_fd >= 0)
-            ::close(m_fd);
-        m_fd = fd;
-    }
-
-private:
-    int m_fd;
-};
-
-bool tryLock(int fd)
-{
-    int result = 0;
-    do {
-        result = ::flock(fd, LOCK_EX | LOCK_NB);
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
 }
 
 bool lockWithin(int fd, int milliseconds)
@@ -70,19 +40,6 @@ bool lockWithin(int fd, int milliseconds)
             return false;
         QThread::msleep(kLockPollMs);
     }
-}
-
-// The open file still goes by that name: no one removed or renamed it before it was locked.
-bool stillNamed(int fd, const QByteArray& path)
-{
-    struct stat open
-    {
-    };
-    struct stat named
-    {
-    };
-    return ::fstat(fd, &open) == 0 && open.st_nlink > 0 && ::lstat(path.constData(), &named) == 0 &&
-           open.st_dev == named.st_dev && open.st_ino == named.st_ino;
 }
 
 bool writeAll(int fd, const QByteArray& data)

@@ -5,75 +5,53 @@
 #include <QSysInfo>
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
-
-namespace {
-
-QString systemError(int error)
-{
-    return QString::fromLocal8Bit(std::strerror(error));
-}
-
-bool sameFile(int fd, const QByteArray& path)
-{
-    struct stat opened;
-    struct stat named;
-    return ::fstat(fd, &opened) == 0 && ::stat(path.constData(), &named) == 0 &&
-           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
-}
-
-} // namespace
 
 InstanceLock::InstanceLock(QString path) : m_path(std::move(path)) {}
 
 InstanceLock::~InstanceLock()
 {
-    if (m_fd < 0)
+    if (!m_file.valid())
         return;
     // Removed while still held, so no other copy can lock the file on its way out.
     ::unlink(QFile::encodeName(m_path).constData());
-    ::close(m_fd);
 }
 
 InstanceLock::Outcome InstanceLock::tryLock()
 {
-    if (m_fd >= 0)
+    if (m_file.valid())
         return Outcome::Taken;
     const QByteArray path = QFile::encodeName(m_path);
     // A holder that ends removes the file: the one locked must be the one the name still gives.
     for (int attempt = 0; attempt < 5; ++attempt) {
-        const int fd = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-        if (fd < 0) {
-            m_error = systemError(errno);
+        m_file.reset(::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+        if (!m_file.valid()) {
+            m_error = PosixFile::reasonOf(errno);
             return Outcome::Failed;
         }
-        if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        if (!PosixFile::tryLock(m_file.get())) {
             const int error = errno;
-            ::close(fd);
+            m_file.reset();
             if (error == EWOULDBLOCK)
                 return Outcome::HeldByAnother;
-            m_error = systemError(error);
+            m_error = PosixFile::reasonOf(error);
             return Outcome::Failed;
         }
-        if (!sameFile(fd, path)) {
-            ::close(fd);
+        if (!PosixFile::stillNamed(m_file.get(), path)) {
+            m_file.reset();
             continue;
         }
         const QByteArray holder = QByteArray::number(QCoreApplication::applicationPid()) + '\n' +
                                   QCoreApplication::applicationName().toUtf8() + '\n' +
                                   QSysInfo::machineHostName().toUtf8() + '\n';
-        if (::ftruncate(fd, 0) != 0 ||
-            ::pwrite(fd, holder.constData(), size_t(holder.size()), 0) != holder.size()) {
-            m_error = systemError(errno);
+        if (::ftruncate(m_file.get(), 0) != 0 ||
+            ::pwrite(m_file.get(), holder.constData(), size_t(holder.size()), 0) != holder.size()) {
+            m_error = PosixFile::reasonOf(errno);
             ::unlink(path.constData());
-            ::close(fd);
+            m_file.reset();
             return Outcome::Failed;
         }
-        m_fd = fd;
         return Outcome::Taken;
     }
     m_error = QStringLiteral("the lock file kept being replaced");

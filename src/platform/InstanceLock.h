@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/PosixFile.h"
+
 #include <QString>
 
 // One running copy per user: an advisory lock (flock) on a file in the user's runtime folder,
@@ -30,6 +32,6 @@ public:
 
 private:
     QString m_path;
-    int m_fd = -1;
+    PosixFile::Descriptor m_file; // open, and locked, while held
     QString m_error;
 };
