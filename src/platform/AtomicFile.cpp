@@ -103,18 +103,22 @@ QString resolved(const QString& path)
     return path;
 }
 
-// Finishes a locked scratch file: content, permissions, flushed to disk. Errors leave errno.
-bool fill(int fd, const QByteArray& content, std::optional<mode_t> mode)
+// Finishes a locked scratch file: content, permissions, flushed to disk unless told otherwise.
+// Errors leave errno.
+bool fill(int fd, const QByteArray& content, std::optional<mode_t> mode,
+          AtomicFile::Flush flush = AtomicFile::Flush::ToDisk)
 {
     return ::ftruncate(fd, 0) == 0 && writeAll(fd, content) &&
-           (!mode || ::fchmod(fd, *mode) == 0) && ::fsync(fd) == 0;
+           (!mode || ::fchmod(fd, *mode) == 0) &&
+           (flush == AtomicFile::Flush::No || ::fsync(fd) == 0);
 }
 
 } // namespace
 
 namespace AtomicFile {
 
-Outcome write(const QString& path, const QByteArray& content, std::optional<mode_t> mode)
+Outcome write(const QString& path, const QByteArray& content, std::optional<mode_t> mode,
+              Flush flush)
 {
     const QString target = resolved(path);
     removeStaleScratchFiles(target);
@@ -138,13 +142,14 @@ Outcome write(const QString& path, const QByteArray& content, std::optional<mode
         return Failure{target, reasonOf(EEXIST)};
     if (!mode)
         mode = modeOf(target);
-    if (!fill(fd.get(), content, mode) ||
+    if (!fill(fd.get(), content, mode, flush) ||
         ::rename(scratch.constData(), nativePath(target).constData()) != 0) {
         const int error = errno;
         ::unlink(scratch.constData());
         return Failure{target, reasonOf(error)};
     }
-    syncFolder(info.absolutePath());
+    if (flush == Flush::ToDisk)
+        syncFolder(info.absolutePath());
     return {};
 }
 

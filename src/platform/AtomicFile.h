@@ -22,12 +22,21 @@ struct Failure
 };
 using Outcome = std::optional<Failure>; // nothing when the file was written
 
+// Whether a replacement is flushed to disk before it is renamed into place. Files that can be
+// worked out again, and check themselves when read, need not wait for the disk.
+enum class Flush
+{
+    ToDisk,
+    No
+};
+
 // Replaces path by content through a scratch file "name.XXXXXX" beside it, flushed to disk
-// before the rename. Leftover scratch files of path are removed first. The new file gets mode
-// when given, else the permissions of the file it replaces, else the usual ones of a new file.
-// A symbolic link at path stays a link: the file it points to is replaced.
+// before the rename unless told otherwise. Leftover scratch files of path are removed first.
+// The new file gets mode when given, else the permissions of the file it replaces, else the
+// usual ones of a new file. A symbolic link at path stays a link: the file it points to is
+// replaced.
 Outcome write(const QString& path, const QByteArray& content,
-              std::optional<mode_t> mode = std::nullopt);
+              std::optional<mode_t> mode = std::nullopt, Flush flush = Flush::ToDisk);
 
 // Replaces target by content through the scratch file of the fixed name scratch (in a folder
 // of the caller's choice), waiting while another running copy writes that same scratch file.

@@ -1,11 +1,12 @@
 #include "platform/KeyCache.h"
 
+#include "platform/AtomicFile.h"
+
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
-#include <cstdio>
 #include <cstring>
 #include <sys/stat.h>
 
@@ -182,20 +183,7 @@ bool save(const QString& keptFile, const FileState& state, const QString& sql,
         previous = key;
     }
     put(out, checksum(out.constData(), out.size()));
-
-    const QString part = keptFile + QLatin1String(".part");
-    QFile file(part);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(out) != out.size()) {
-        file.remove();
-        return false;
-    }
-    file.close();
-    if (std::rename(QFile::encodeName(part).constData(), QFile::encodeName(keptFile).constData()) !=
-        0) {
-        QFile::remove(part);
-        return false;
-    }
-    return true;
+    return !AtomicFile::write(keptFile, out, std::nullopt, AtomicFile::Flush::No);
 }
 
 } // namespace KeyCache

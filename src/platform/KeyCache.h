@@ -38,9 +38,9 @@ QString keptFileFor(const QString& folder, const QString& databaseFile);
 std::optional<QList<qint64>> load(const QString& keptFile, const QString& databaseFile,
                                   const QString& sql);
 
-// Keeps the keys sql listed in a database file in the given state. Written beside the kept file
-// and renamed over it, so a reader sees the old file or the new one; not flushed to disk, since
-// a file cut short by a crash fails its check and is read afresh.
+// Keeps the keys sql listed in a database file in the given state, replacing the kept file
+// whole (AtomicFile); not flushed to disk, since a file cut short by a crash fails its check
+// and the keys are read afresh.
 bool save(const QString& keptFile, const FileState& state, const QString& sql,
           const QList<qint64>& keys);
 
