@@ -21,6 +21,26 @@
 #include <QUuid>
 #include <cstdio>
 
+namespace {
+
+// How the keys of the view the next window reopens are read; nothing when it reopens none.
+std::optional<RecordSet::KeyRead> savedViewKeys(const SettingsStore& store)
+{
+    const auto view = frmItems::savedView(store);
+    if (!view)
+        return std::nullopt;
+    RecordSet::KeyRead keys = RecordSet::keyRead(frmItems::viewSource(*view));
+    return keys.sql.isEmpty() ? std::nullopt : std::optional(std::move(keys));
+}
+
+// Where the keys of the view reopened over a database are kept between runs.
+QString keptKeysFile(const QString& databasePath)
+{
+    return KeyCache::keptFileFor(AppFolder::cacheFolder(), databasePath);
+}
+
+} // namespace
+
 Launcher::Launcher(Prompts& prompts, Shell& shell, SettingsStore& store, TimeZone& timeZone)
     : m_prompts(prompts), m_shell(shell), m_store(store), m_timeZone(timeZone)
 {
@@ -39,13 +59,8 @@ Launcher::~Launcher()
     m_startupKeys.reset();
     // The keys of the view the next start reopens, read now that the database is closed (and
     // its log copied in) unless they are kept already.
-    if (ran) {
-        if (const auto view = frmItems::savedView(m_store)) {
-            const RecordSet::KeyRead keys = RecordSet::keyRead(frmItems::viewSource(*view));
-            if (!keys.sql.isEmpty())
-                keepKeysForNextStart(m_databasePath, keys.sql, keys.order, m_keptKeysFile);
-        }
-    }
+    if (const auto keys = ran ? savedViewKeys(m_store) : std::nullopt)
+        keepKeysForNextStart(m_databasePath, keys->sql, keys->order, keptKeysFile(m_databasePath));
 }
 
 bool Launcher::refuse(const QString& text, const QString& title, int exitCode)
@@ -90,12 +105,9 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     // while the rest of the start runs: over many items they are its longest single step.
     // From the file the last run kept them in when the database is as that run left it.
     m_databasePath = databasePath;
-    m_keptKeysFile = KeyCache::keptFileFor(AppFolder::cacheFolder(), databasePath);
-    if (const auto view = frmItems::savedView(m_store)) {
-        const RecordSet::KeyRead keys = RecordSet::keyRead(frmItems::viewSource(*view));
-        m_startupKeys =
-            std::make_shared<KeyPrefetch>(opened.database, keys.sql, keys.order, m_keptKeysFile);
-    }
+    if (const auto keys = savedViewKeys(m_store))
+        m_startupKeys = std::make_shared<KeyPrefetch>(opened.database, keys->sql, keys->order,
+                                                      keptKeysFile(databasePath));
 
     // One copy per user, whatever its folder: the settings are the user's, not the folder's.
     // Checked before anything is saved, so a refused copy leaves the settings as they were.

@@ -45,7 +45,6 @@ private:
     // (KeyCache) never holds up the window.
     std::shared_ptr<KeyPrefetch> m_startupKeys;
     QString m_databasePath;
-    QString m_keptKeysFile;
     QString m_connection;
     QString m_lockFolder;
     int m_exitCode = 0;

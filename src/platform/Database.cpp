@@ -242,6 +242,24 @@ IdScan readIdsFrom(const QString& name, const QString& sql, KeyOrder order)
     return result;
 }
 
+// The keys of sql read on a connection of its own (name: a path or a URI), with the state of
+// the database file to keep them under: none when the file changed while they were read, or
+// cannot show that it did not.
+struct KeysRead
+{
+    IdScan keys;
+    std::optional<KeyCache::FileState> state;
+};
+KeysRead readKeysToKeep(const QString& name, const QString& file, const QString& sql,
+                        KeyOrder order)
+{
+    const std::optional<KeyCache::FileState> before = KeyCache::stateOf(file);
+    KeysRead read{readIdsFrom(name, sql, order), std::nullopt};
+    if (read.keys.ok() && before && before == KeyCache::stateOf(file))
+        read.state = before;
+    return read;
+}
+
 // The file behind a connection, whose name may be a "file:" URI with options.
 QString fileOfConnection(const QSqlDatabase& db)
 {
@@ -330,15 +348,12 @@ KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder or
             promise.set_value(std::move(result));
             return;
         }
-        const std::optional<KeyCache::FileState> before = KeyCache::stateOf(file);
-        IdScan result = readIdsFrom(uri, sql, order);
-        const QList<qint64> keys = result.ids; // shared, not copied
-        const bool keep =
-            !keptFile.isEmpty() && result.ok() && before && before == KeyCache::stateOf(file);
+        KeysRead read = readKeysToKeep(uri, file, sql, order);
+        const QList<qint64> keys = read.keys.ids; // shared, not copied
         // The caller may be waiting: the keys first, the keeping after.
-        promise.set_value(std::move(result));
-        if (keep)
-            KeyCache::save(keptFile, *before, sql, keys);
+        promise.set_value(std::move(read.keys));
+        if (read.state)
+            KeyCache::save(keptFile, *read.state, sql, keys);
     };
     try {
         m_worker = std::thread(std::move(work));
@@ -370,13 +385,12 @@ std::optional<QList<qint64>> KeyPrefetch::take(const QSqlDatabase& db, const QSt
 void keepKeysForNextStart(const QString& databaseFile, const QString& sql, KeyOrder order,
                           const QString& keptFile)
 {
-    const std::optional<KeyCache::FileState> before = KeyCache::stateOf(databaseFile);
-    if (!before || KeyCache::load(keptFile, databaseFile, sql))
+    if (!KeyCache::stateOf(databaseFile) || KeyCache::load(keptFile, databaseFile, sql))
         return;
-    const IdScan keys = readIdsFrom(databaseFile, sql, order);
     // Written by another program while they were read: the next start reads them itself.
-    if (keys.ok() && KeyCache::stateOf(databaseFile) == before)
-        KeyCache::save(keptFile, *before, sql, keys.ids);
+    const KeysRead read = readKeysToKeep(databaseFile, databaseFile, sql, order);
+    if (read.state)
+        KeyCache::save(keptFile, *read.state, sql, read.keys.ids);
 }
 
 bool RowReader::read(const QSqlDatabase& db, const QString& sql, qint64 key, QVariantList& values)
