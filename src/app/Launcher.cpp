@@ -48,6 +48,7 @@ Launcher::Launcher(Prompts& prompts, Shell& shell, SettingsStore& store, TimeZon
 
 Launcher::~Launcher()
 {
+    FontWarmUp::wait(); // it uses Qt, which ends with the application object
     const bool ran = m_window != nullptr;
     m_window.reset();
     if (m_context) {
@@ -68,6 +69,7 @@ bool Launcher::refuse(const QString& text, const QString& title, int exitCode)
     // Also on standard error, so a start from a terminal or a script shows why it ended.
     std::fprintf(stderr, "tallybid: %s\n", qPrintable(text));
     std::fflush(stderr);
+    FontWarmUp::wait(); // the message lays out text
     if (title.isEmpty())
         m_prompts.message(text);
     else
@@ -80,6 +82,7 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
 {
     // Before any widget exists, so every widget is made with the style's deferred icons.
     DeferredIconStyle::install();
+    FontWarmUp::prepare(); // while the database opens and the splash shows
     const AppFolder::Choice folder = AppFolder::choose(arguments, executableDir);
     const QString& appPath = folder.path;
     const QString databasePath = appPath + QLatin1String("/tb2.mdb");

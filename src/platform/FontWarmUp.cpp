@@ -1,5 +1,8 @@
 #include "platform/FontWarmUp.h"
 
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <memory>
 #include <system_error>
 
 namespace {
@@ -42,4 +45,24 @@ void FontWarmUp::wait()
 {
     if (gRunning && gRunning->m_thread.joinable())
         gRunning->m_thread.join();
+}
+
+void FontWarmUp::prepare()
+{
+    if (!gRunning || !qGuiApp)
+        return;
+    // The configuration's reading is joined by whichever thread ends up holding it.
+    auto reading = std::make_shared<std::thread>(std::move(gRunning->m_thread));
+    try {
+        gRunning->m_thread = std::thread([reading, font = QGuiApplication::font()] {
+            if (reading->joinable())
+                reading->join();
+            // Loads a face for this thread alone (Qt keeps those per thread); what the main
+            // thread will want is the list and the fallbacks made on the way.
+            QFontMetrics(font).height();
+        });
+    } catch (const std::system_error&) {
+        if (reading->joinable())
+            reading->join();
+    }
 }

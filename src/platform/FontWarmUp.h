@@ -8,6 +8,8 @@
 // text; Qt's own font setup then finds it done. Where the system has no such configuration
 // library, it does nothing. Waits for the thread when destroyed.
 //
+// Once the application object exists, prepare() goes on to Qt's own side of the fonts.
+//
 // One at a time, made and waited for on the main thread.
 class FontWarmUp
 {
@@ -22,6 +24,12 @@ public:
     // reads everything again itself and keeps whichever finishes first, so text laid out while
     // the thread is still reading costs the whole reading twice over.
     static void wait();
+
+    // Goes on, once the configuration is read, to Qt's list of the system's fonts and the
+    // fallbacks of the application's font: Qt keeps both for the whole process, so the first
+    // text on the main thread finds them made. Call on the main thread once the application
+    // object exists, and wait() before it is destroyed.
+    static void prepare();
 
 private:
     std::thread m_thread;
