@@ -141,7 +141,7 @@ private:
 
 int childStart(int argc, char** argv, const QString& appDir, const QString& configDir)
 {
-    const FontWarmUp fonts; // as the program's main() does
+    FontWarmUp fonts; // as the program's main() does
     QApplication app(argc, argv);
     ScriptedPrompts prompts;
     RecordingShell shell;

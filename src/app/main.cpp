@@ -82,7 +82,7 @@ int main(int argc, char* argv[])
         return 2;
     }
 
-    const FontWarmUp fonts;
+    FontWarmUp fonts; // the launcher extends its work (prepare) and waits for it
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Tallybid"));
     QApplication::setApplicationVersion(QStringLiteral(TALLYBID_VERSION));
