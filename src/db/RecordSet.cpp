@@ -6,14 +6,15 @@
 
 #include <QRegularExpression>
 #include <algorithm>
+#include <utility>
 
 #include <QSet>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QSqlRecord>
 
 RecordSet::RecordSet(QSqlDatabase database, QObject* parent)
     : QObject(parent), m_db(std::move(database)), m_rowReader(std::make_unique<RowReader>()),
+      m_sourceReader(std::make_unique<SourceReader>()),
       m_findScanner(std::make_unique<KeyScanner>())
 {
 }
@@ -94,25 +95,18 @@ bool RecordSet::refresh()
     m_keyOrder = rows.keyOrder;
     m_rowsSql = sql;
     // The names of the columns (no row is read), then the keys alone.
-    QSqlQuery q(m_db);
-    q.setForwardOnly(true);
     IdScan keys;
-    const QStringList previousColumns = m_columns;
-    m_columns.clear();
+    const QStringList previousColumns = std::exchange(m_columns, {});
     if (sql.isEmpty()) {
         keys.error = QStringLiteral("The record source cannot be read.");
-    } else if (!q.exec(QLatin1String("SELECT * FROM (") + sql + QLatin1String(") LIMIT 0"))) {
-        keys.error = q.lastError().text();
-    } else {
-        const QSqlRecord rec = q.record();
-        for (int i = 0; i < rec.count(); ++i)
-            m_columns << rec.fieldName(i);
-        q.finish();
+    } else if (std::optional<QStringList> columns =
+                   m_sourceReader->columns(m_db, sql, keys.error)) {
+        m_columns = std::move(*columns);
         const KeyRead read = keyReadOf(rows);
         if (auto ahead = prefetch ? prefetch->take(m_db, read.sql) : std::nullopt)
             keys.ids = std::move(*ahead);
         else
-            keys = readIds(m_db, read.sql, read.order);
+            keys = m_sourceReader->keys(m_db, read.sql, read.order);
     }
     if (!keys.ok()) {
         m_lastError = keys.error;

@@ -15,6 +15,7 @@ class KeyPrefetch;
 enum class KeyOrder;
 class KeyScanner;
 class RowReader;
+class SourceReader;
 
 // What the record set is asked to do; the validate hook sees it before the record is left.
 enum class DataAction
@@ -155,7 +156,8 @@ private:
     bool m_keyOrder = false; // the source lists its rows in key order
     QString m_rowSql;        // reads one row of the source's columns by key
     std::unique_ptr<RowReader> m_rowReader;
-    std::unique_ptr<KeyScanner> m_findScanner; // Find Again runs the same search each time
+    std::unique_ptr<SourceReader> m_sourceReader; // columns and keys of each source refreshed
+    std::unique_ptr<KeyScanner> m_findScanner;    // Find Again runs the same search each time
     std::shared_ptr<KeyPrefetch> m_prefetch;
     QHash<QString, int> m_columnIndex; // place of each column, by its name and lower-case name
     QVariantList m_values;             // current row, in the order of m_columns

@@ -178,21 +178,32 @@ IdScan scanIdsOn(sqlite3* h, const QString& sql, const QVariantList& values, int
     return stepIds(h, statement.get(), values, timeLimitMs);
 }
 
+// The statement gathering the keys sql lists with tb_keys, in one step.
+QString collectingSql(const QString& sql)
+{
+    return QLatin1String("SELECT tb_keys(ID, ?1) FROM (") + sql + u')';
+}
+
+// Runs a prepared collectingSql statement; reset after, so it may be kept.
+IdScan collectWith(sqlite3* h, sqlite3_stmt* statement)
+{
+    IdScan result;
+    sqlite3_bind_pointer(statement, 1, &result.ids, kKeyListType, nullptr);
+    if (sqlite3_step(statement) != SQLITE_ROW) {
+        result.ids.clear();
+        result.error = QString::fromUtf8(sqlite3_errmsg(h));
+    }
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+    return result;
+}
+
 // The keys of sql in any order, gathered by tb_keys; the row by row scan where the connection
 // lacks the function.
 IdScan collectIdsOn(sqlite3* h, const QString& sql)
 {
-    const Statement statement =
-        prepared(h, (QLatin1String("SELECT tb_keys(ID, ?1) FROM (") + sql + u')').toUtf8());
-    if (!statement)
-        return scanIdsOn(h, sql, {}, 0);
-    IdScan result;
-    sqlite3_bind_pointer(statement.get(), 1, &result.ids, kKeyListType, nullptr);
-    if (sqlite3_step(statement.get()) != SQLITE_ROW) {
-        result.ids.clear();
-        result.error = QString::fromUtf8(sqlite3_errmsg(h));
-    }
-    return result;
+    const Statement statement = prepared(h, collectingSql(sql).toUtf8());
+    return statement ? collectWith(h, statement.get()) : scanIdsOn(h, sql, {}, 0);
 }
 
 // Keys read through an index come as a few ascending runs (the views' keys one per Active
@@ -318,6 +329,63 @@ IdScan KeyScanner::scan(const QSqlDatabase& db, const QString& sql, const QVaria
     // Reset, so the kept statement holds no lock and no bound text between searches.
     sqlite3_reset(s);
     sqlite3_clear_bindings(s);
+    return result;
+}
+
+sqlite3_stmt* SourceReader::statement(sqlite3* h, const QString& sql, QString& error)
+{
+    for (KeptStatement& kept : m_kept) {
+        if (kept.holds(h, sql))
+            return kept.prepare(h, sql, &error);
+    }
+    KeptStatement& oldest = m_kept.at(m_next);
+    m_next = (m_next + 1) % m_kept.size();
+    return oldest.prepare(h, sql, &error);
+}
+
+std::optional<QStringList> SourceReader::columns(const QSqlDatabase& db, const QString& sql,
+                                                 QString& error)
+{
+    sqlite3* h = sqliteHandle(db);
+    if (!h) {
+        error = notOpen().error;
+        return std::nullopt;
+    }
+    sqlite3_stmt* s =
+        statement(h, QLatin1String("SELECT * FROM (") + sql + QLatin1String(") LIMIT 0"), error);
+    if (!s)
+        return std::nullopt;
+    // Run, so a statement kept from before the tables changed is prepared again first.
+    const int rc = sqlite3_step(s);
+    if (rc != SQLITE_DONE && rc != SQLITE_ROW)
+        error = QString::fromUtf8(sqlite3_errmsg(h));
+    sqlite3_reset(s);
+    if (!error.isEmpty())
+        return std::nullopt;
+    QStringList names;
+    for (int i = 0, count = sqlite3_column_count(s); i < count; ++i)
+        names << QString::fromUtf8(sqlite3_column_name(s, i)).remove(u'"'); // as Qt SQL names them
+    return names;
+}
+
+IdScan SourceReader::keys(const QSqlDatabase& db, const QString& sql, KeyOrder order)
+{
+    sqlite3* h = sqliteHandle(db);
+    if (!h)
+        return notOpen();
+    IdScan result;
+    if (order == KeyOrder::Listed) {
+        if (sqlite3_stmt* s = statement(h, sql, result.error)) {
+            result = stepIds(h, s, {}, 0);
+            sqlite3_reset(s);
+        }
+        return result;
+    }
+    sqlite3_stmt* s = statement(h, collectingSql(sql), result.error);
+    if (!s)
+        return readIdsOn(h, sql, order); // without tb_keys, row by row
+    result = collectWith(h, s);
+    sortAscending(result.ids);
     return result;
 }
 

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QVariantList>
 
+#include <array>
 #include <future>
 #include <optional>
 #include <thread>
@@ -108,6 +109,10 @@ public:
     // reason in error) when it cannot be prepared.
     sqlite3_stmt* prepare(sqlite3* h, const QString& sql, QString* error = nullptr);
     void release();
+    bool holds(const sqlite3* h, const QString& sql) const
+    {
+        return m_statement && h == m_handle && sql == m_sql;
+    }
 
 private:
     sqlite3* m_handle = nullptr;
@@ -124,6 +129,25 @@ public:
 
 private:
     KeptStatement m_statement;
+};
+
+// What a record set reads on every refresh of its source, the names of the columns and the
+// keys of the rows, with the statements kept prepared for the few sources it moves between:
+// preparing them cost more than reading a thousand keys.
+class SourceReader
+{
+public:
+    // The names of the columns of sql's rows; nothing (the reason in error) when sql cannot
+    // be run.
+    std::optional<QStringList> columns(const QSqlDatabase& db, const QString& sql, QString& error);
+    // As readIds.
+    IdScan keys(const QSqlDatabase& db, const QString& sql, KeyOrder order);
+
+private:
+    sqlite3_stmt* statement(sqlite3* h, const QString& sql, QString& error);
+
+    std::array<KeptStatement, 8> m_kept; // reused oldest first
+    std::size_t m_next = 0;
 };
 
 // Reads one row of a statement with a single key parameter straight from SQLite, each value of

@@ -261,6 +261,48 @@ private slots:
         QCOMPARE(rs->findFirst("ShortDescription = 'lamp'"), RecordSet::FindResult::Found);
         QCOMPARE(rs->absolutePosition(), 0);
     }
+
+    // A record set moving between sources reads each one's own columns and rows, as a record
+    // set made for that source alone does: between the views, again once the table has gained
+    // a column, and between more sources than it keeps statements for.
+    void sourcesInTurn()
+    {
+        m_env->addNumberedItems(6);
+        const QStringList views{ItemSql::kAllView, ItemSql::kActiveView, ItemSql::kInactiveView,
+                                ItemSql::kItemsTable};
+        QStringList many = views;
+        for (int n = 0; n < 5; ++n)
+            many << QStringLiteral("SELECT * FROM Items WHERE ID > %1 ORDER BY ID").arg(n)
+                 << QStringLiteral("SELECT ID, ShortDescription FROM Items WHERE ID <> %1 "
+                                   "ORDER BY ShortDescription DESC")
+                        .arg(n);
+        const auto titles = [](RecordSet& rs) {
+            QStringList out;
+            for (rs.moveFirst(); !rs.eof(); rs.moveNext())
+                out << rs.text(kTitle);
+            return out;
+        };
+        QSqlQuery q(m_env->context().itemDatabase);
+        const auto dropColumn =
+            qScopeGuard([&q] { q.exec("ALTER TABLE Items DROP COLUMN Extra"); });
+        auto kept = open();
+        struct Round
+        {
+            const QStringList& sources;
+            bool widen;
+        };
+        for (const Round& round : {Round{views, false}, Round{views, true}, Round{many, false}}) {
+            if (round.widen)
+                QVERIFY(q.exec("ALTER TABLE Items ADD COLUMN Extra TEXT"));
+            for (const QString& source : round.sources) {
+                kept->setRecordSource(source);
+                QVERIFY(kept->refresh());
+                const auto fresh = open(source);
+                QCOMPARE(kept->columns(), fresh->columns());
+                QCOMPARE(titles(*kept), titles(*fresh));
+            }
+        }
+    }
 };
 
 QTEST_GUILESS_MAIN(TestRecordSet)
