@@ -357,10 +357,11 @@ std::optional<QStringList> SourceReader::columns(const QSqlDatabase& db, const Q
         return std::nullopt;
     // Run, so a statement kept from before the tables changed is prepared again first.
     const int rc = sqlite3_step(s);
-    if (rc != SQLITE_DONE && rc != SQLITE_ROW)
+    const bool ran = rc == SQLITE_DONE || rc == SQLITE_ROW;
+    if (!ran)
         error = QString::fromUtf8(sqlite3_errmsg(h));
     sqlite3_reset(s);
-    if (!error.isEmpty())
+    if (!ran)
         return std::nullopt;
     QStringList names;
     for (int i = 0, count = sqlite3_column_count(s); i < count; ++i)
