@@ -267,7 +267,12 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
     }
 }
 
-frmItems::~frmItems() = default;
+frmItems::~frmItems()
+{
+    // Closing the window takes the focus from the length box, which then reports a length
+    // typed into it as chosen; by then this window is half gone.
+    disconnect(ui->comboLength, nullptr, this, nullptr);
+}
 
 void frmItems::buildToolbar()
 {
