@@ -167,6 +167,16 @@ IdScan stepIds(sqlite3* h, sqlite3_stmt* raw, const QVariantList& values, int ti
     return result;
 }
 
+// stepIds on a statement kept between runs: reset after, so it holds no lock and no bound text
+// until the next.
+IdScan stepKept(sqlite3* h, sqlite3_stmt* statement, const QVariantList& values, int timeLimitMs)
+{
+    IdScan result = stepIds(h, statement, values, timeLimitMs);
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+    return result;
+}
+
 IdScan scanIdsOn(sqlite3* h, const QString& sql, const QVariantList& values, int timeLimitMs)
 {
     const Statement statement = prepared(h, sql.toUtf8());
@@ -295,7 +305,7 @@ void KeptStatement::release()
 
 sqlite3_stmt* KeptStatement::prepare(sqlite3* h, const QString& sql, QString* error)
 {
-    if (h != m_handle || sql != m_sql || !m_statement) {
+    if (!holds(h, sql)) {
         release();
         const QByteArray text = sql.toUtf8();
         if (sqlite3_prepare_v3(h, text.constData(), int(text.size()), SQLITE_PREPARE_PERSISTENT,
@@ -325,11 +335,7 @@ IdScan KeyScanner::scan(const QSqlDatabase& db, const QString& sql, const QVaria
         m_statement.release();
         return result;
     }
-    result = stepIds(h, s, values, timeLimitMs);
-    // Reset, so the kept statement holds no lock and no bound text between searches.
-    sqlite3_reset(s);
-    sqlite3_clear_bindings(s);
-    return result;
+    return stepKept(h, s, values, timeLimitMs);
 }
 
 sqlite3_stmt* SourceReader::statement(sqlite3* h, const QString& sql, QString& error)
@@ -376,16 +382,12 @@ IdScan SourceReader::keys(const QSqlDatabase& db, const QString& sql, KeyOrder o
         return notOpen();
     IdScan result;
     if (order == KeyOrder::Listed) {
-        if (sqlite3_stmt* s = statement(h, sql, result.error)) {
-            result = stepIds(h, s, {}, 0);
-            sqlite3_reset(s);
-        }
-        return result;
+        sqlite3_stmt* s = statement(h, sql, result.error);
+        return s ? stepKept(h, s, {}, 0) : result;
     }
+    // Without tb_keys on the connection, row by row (as collectIdsOn).
     sqlite3_stmt* s = statement(h, collectingSql(sql), result.error);
-    if (!s)
-        return readIdsOn(h, sql, order); // without tb_keys, row by row
-    result = collectWith(h, s);
+    result = s ? collectWith(h, s) : scanIdsOn(h, sql, {}, 0);
     sortAscending(result.ids);
     return result;
 }
