@@ -399,12 +399,6 @@ IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& v
     return h ? scanIdsOn(h, sql, values, timeLimitMs) : notOpen();
 }
 
-IdScan readIds(const QSqlDatabase& db, const QString& sql, KeyOrder order)
-{
-    sqlite3* h = sqliteHandle(db);
-    return h ? readIdsOn(h, sql, order) : notOpen();
-}
-
 KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder order,
                          const QString& keptFile)
     : m_sql(sql), m_version(dataVersion(db))

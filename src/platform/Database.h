@@ -60,11 +60,9 @@ enum class KeyOrder
     Listed,
     Ascending
 };
-// The keys a statement lists ("SELECT ID FROM ..."), read as the order allows.
-IdScan readIds(const QSqlDatabase& db, const QString& sql, KeyOrder order);
 
-// Reads the keys of a statement (as readIds does) on a connection of its own and on another
-// thread, while the caller goes on building what will need them. With a kept-keys file
+// Reads the keys of a statement (as SourceReader::keys does) on a connection of its own and on
+// another thread, while the caller goes on building what will need them. With a kept-keys file
 // (KeyCache) the keys come from it when it holds them for the database as it is; otherwise they
 // are read and, the database file unchanged meanwhile, kept in it for the next start.
 class KeyPrefetch
@@ -140,7 +138,7 @@ public:
     // The names of the columns of sql's rows; nothing (the reason in error) when sql cannot
     // be run.
     std::optional<QStringList> columns(const QSqlDatabase& db, const QString& sql, QString& error);
-    // As readIds.
+    // The keys sql lists ("SELECT ID FROM ..."), read as the order allows.
     IdScan keys(const QSqlDatabase& db, const QString& sql, KeyOrder order);
 
 private:

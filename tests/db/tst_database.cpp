@@ -175,7 +175,7 @@ private slots:
 
     // Keys gathered inside SQLite are the statement's keys, ascending whatever the statement's
     // order; a statement that cannot be read says why.
-    void readIdsAscending_data()
+    void keysAscending_data()
     {
         QTest::addColumn<QString>("sql");
         QTest::addColumn<bool>("readable");
@@ -188,17 +188,17 @@ private slots:
         QTest::newRow("a null key") << "SELECT NULL AS ID UNION ALL SELECT 7" << true;
         QTest::newRow("no such table") << "SELECT ID FROM Nowhere" << false;
     }
-    void readIdsAscending()
+    void keysAscending()
     {
         QFETCH(QString, sql);
         const QSqlDatabase db = m_env->context().itemDatabase;
         m_env->addNumberedItems(300);
         QSqlQuery(db).exec(QStringLiteral("UPDATE Items SET Active = ID % 3 = 0"));
-        const IdScan ascending = readIds(db, sql, KeyOrder::Ascending);
+        const IdScan ascending = SourceReader().keys(db, sql, KeyOrder::Ascending);
         QTEST(ascending.ok(), "readable");
         if (!ascending.ok())
             return;
-        QList<qint64> listed = readIds(db, sql, KeyOrder::Listed).ids;
+        QList<qint64> listed = SourceReader().keys(db, sql, KeyOrder::Listed).ids;
         std::sort(listed.begin(), listed.end());
         QCOMPARE(ascending.ids, listed);
     }

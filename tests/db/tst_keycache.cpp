@@ -115,14 +115,14 @@ private slots:
         KeyPrefetch prefetch(db, asked, KeyOrder::Ascending, keptFile());
         const auto taken = prefetch.take(db, asked);
         QVERIFY(taken.has_value());
-        QCOMPARE(*taken, used ? kForged : readIds(db, asked, KeyOrder::Ascending).ids);
+        QCOMPARE(*taken, used ? kForged : SourceReader().keys(db, asked, KeyOrder::Ascending).ids);
     }
 
     // A start that read the keys keeps them for the next, unless the file changed meanwhile.
     void readKeysAreKept()
     {
         QSqlDatabase db = m_env->context().itemDatabase;
-        const QList<qint64> keys = readIds(db, kSql, KeyOrder::Ascending).ids;
+        const QList<qint64> keys = SourceReader().keys(db, kSql, KeyOrder::Ascending).ids;
         {
             KeyPrefetch prefetch(db, kSql, KeyOrder::Ascending, keptFile());
             QCOMPARE(prefetch.take(db, kSql), keys);
@@ -136,7 +136,7 @@ private slots:
         QSqlDatabase db = m_env->context().itemDatabase;
         keepKeysForNextStart(databaseFile(), kSql, KeyOrder::Ascending, keptFile());
         QCOMPARE(KeyCache::load(keptFile(), databaseFile(), kSql),
-                 readIds(db, kSql, KeyOrder::Ascending).ids);
+                 SourceReader().keys(db, kSql, KeyOrder::Ascending).ids);
         const QDateTime written = QFileInfo(keptFile()).lastModified();
         QTest::qWait(20);
         keepKeysForNextStart(databaseFile(), kSql, KeyOrder::Ascending, keptFile());
@@ -149,7 +149,7 @@ private slots:
         keepKeysForNextStart(databaseFile(), kSql, KeyOrder::Ascending, keptFile());
         const auto kept = KeyCache::load(keptFile(), databaseFile(), kSql);
         QVERIFY(kept && !kept->contains(5));
-        QCOMPARE(*kept, readIds(db, kSql, KeyOrder::Ascending).ids);
+        QCOMPARE(*kept, SourceReader().keys(db, kSql, KeyOrder::Ascending).ids);
     }
 };
 
