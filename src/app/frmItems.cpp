@@ -23,6 +23,7 @@
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
 #include "platform/WindowFitUi.h"
+#include "platform/WindowTeardown.h"
 #include "reports/frmReports.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
@@ -269,9 +270,7 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
 
 frmItems::~frmItems()
 {
-    // Closing the window takes the focus from the length box, which then reports a length
-    // typed into it as chosen; by then this window is half gone.
-    disconnect(ui->comboLength, nullptr, this, nullptr);
+    stopHearingChildren(*this); // the length box takes up a typed length as the window closes
 }
 
 void frmItems::buildToolbar()

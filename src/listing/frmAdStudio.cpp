@@ -6,6 +6,7 @@
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/WindowFitUi.h"
+#include "platform/WindowTeardown.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "ui_frmAdStudio.h"
@@ -114,7 +115,10 @@ frmAdStudio::frmAdStudio(AppContext& ctx, QWidget* parent)
     fitToScreen(*this);
 }
 
-frmAdStudio::~frmAdStudio() = default;
+frmAdStudio::~frmAdStudio()
+{
+    stopHearingChildren(*this); // the alignment box takes up typed text as the window closes
+}
 
 void frmAdStudio::connectControls()
 {

@@ -210,6 +210,19 @@ private slots:
 
     // Closing only hides the window. The listing reads the controls, saved or not; saved role
     // texts come back in a later Ad Studio on the same settings.
+    // Taken apart with a cell alignment typed but not chosen: the box takes it up when the focus
+    // leaves it, as it does when the window closes, and must find no half-gone window.
+    void closesWithAnAlignmentTyped()
+    {
+        m_form->show();
+        m_form->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
+        auto* align = get<QComboBox>(u"cmbCellAlign"_s);
+        align->setFocus(Qt::TabFocusReason);
+        align->setEditText(u"Center"_s);
+        m_form.reset();
+    }
+
     void closingOnlyHides_data()
     {
         QTest::addColumn<QString>("command");
