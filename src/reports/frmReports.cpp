@@ -2,6 +2,7 @@
 
 #include "platform/Prompts.h"
 #include "platform/WindowFitUi.h"
+#include "platform/WindowTeardown.h"
 #include "reports/ReportCharts.h"
 #include "reports/ReportCsv.h"
 #include "reports/ReportModel.h"
@@ -186,7 +187,10 @@ frmReports::frmReports(AppContext& ctx, QWidget* parent)
     fitToScreen(*this, kDefaultSize);
 }
 
-frmReports::~frmReports() = default;
+frmReports::~frmReports()
+{
+    stopHearingChildren(*this); // a date box fixes up typed text as the window closes
+}
 
 void frmReports::setPeriod(ReportPeriod period, ReportRange chosen)
 {
