@@ -5,20 +5,27 @@
 #include "app/ItemListPanel.h"
 #include "db/ItemListModel.h"
 
-#include <QDockWidget>
-#include <QHeaderView>
-#include <QSignalSpy>
-#include <QTableView>
-
 namespace {
 
 QTableView* table(const ItemWindow& w)
 {
-    return w.child<QTableView>(QStringLiteral("lvwItems"));
+    return w.child<QTableView>(u"lvwItems"_s);
 }
 QLineEdit* search(const ItemWindow& w)
 {
-    return w.child<QLineEdit>(QStringLiteral("txtItemSearch"));
+    return w.child<QLineEdit>(u"txtItemSearch"_s);
+}
+QDockWidget* dock(const ItemWindow& w)
+{
+    return w.child<QDockWidget>(u"dockItemList"_s);
+}
+QAction* viewMenu(const ItemWindow& w)
+{
+    return w.menu(u"mnuViewItemList"_s);
+}
+int rowsShown(const ItemWindow& w)
+{
+    return table(w)->model()->rowCount();
 }
 ItemListModel& model(const ItemWindow& w)
 {
@@ -29,12 +36,12 @@ bool settle(const ItemWindow& w)
     QSignalSpy applied(&model(w), &ItemListModel::keysApplied);
     return !model(w).isBusy() || applied.wait(5000);
 }
-void clickRow(const ItemWindow& w, int row)
+void clickRow(const ItemWindow& w, int row, Qt::KeyboardModifiers keys = {})
 {
     QTableView* t = table(w);
     const QModelIndex at = t->model()->index(row, ItemListModel::Title);
     t->scrollTo(at);
-    QTest::mouseClick(t->viewport(), Qt::LeftButton, {}, t->visualRect(at).center());
+    QTest::mouseClick(t->viewport(), Qt::LeftButton, keys, t->visualRect(at).center());
 }
 void clickHeader(const ItemWindow& w, int column)
 {
@@ -58,80 +65,58 @@ class TestItemList : public QObject
 {
     Q_OBJECT
 private slots:
-    // Shown by default beside the item, with the view's rows in its order.
-    void showsTheView()
-    {
-        TestEnvironment env;
-        env.addNumberedItems(9);
-        ItemWindow w(env);
-        w->mnuAll_Click();
-        QVERIFY(w.child<QDockWidget>(QStringLiteral("dockItemList"))->isVisible());
-        QVERIFY(w.menu(QStringLiteral("mnuViewItemList"))->isChecked());
-        QCOMPARE(table(w)->model()->rowCount(), 9);
-        QCOMPARE(titleAt(w, 8), QStringLiteral("Item 9"));
-        QCOMPARE(selectedRow(w), 0);
-        w->mnuOpen_Click();
-        QCOMPARE(table(w)->model()->rowCount(), 6);
-        QCOMPARE(titleAt(w, 2), QStringLiteral("Item 4"));
-    }
-
-    // A row chosen becomes the current item, as Find would make it; the window's own moves
-    // take the list along.
+    // The view's rows in its order. A row chosen becomes the current item, as Find would make
+    // it; the window's own moves take the list along.
     void rowAndItemGoTogether()
     {
         TestEnvironment env;
         env.addNumberedItems(9);
         ItemWindow w(env);
         w->mnuAll_Click();
+        QCOMPARE(rowsShown(w), 9);
+        QCOMPARE(titleAt(w, 8), u"Item 9"_s);
+        QCOMPARE(selectedRow(w), 0);
         clickRow(w, 6);
-        QCOMPARE(w.current(), QStringLiteral("7"));
-        QCOMPARE(w.total(), QStringLiteral("9"));
-        QCOMPARE(w.field(3)->text(), QStringLiteral("Item 7"));
-        QCOMPARE(w.navigation(), QStringLiteral("11111"));
+        QCOMPARE(w.counters(), u"7/9"_s);
+        QCOMPARE(w.field(3)->text(), u"Item 7"_s);
+        QCOMPARE(w.navigation(), u"11111"_s);
         w->mnuNext_Click();
         QCOMPARE(selectedRow(w), 7);
         w->mnuLast_Click();
         QCOMPARE(selectedRow(w), 8);
-        QCOMPARE(w.navigation(), QStringLiteral("11011"));
+        QCOMPARE(w.navigation(), u"11011"_s);
         w->mnuFirst_Click();
         QCOMPARE(selectedRow(w), 0);
+        w->mnuOpen_Click();
+        QCOMPARE(rowsShown(w), 6);
+        QCOMPARE(titleAt(w, 2), u"Item 4"_s);
+        w->mnuAll_Click();
         w->mnuAdd_Click();
-        QCOMPARE(table(w)->model()->rowCount(), 10);
+        QCOMPARE(rowsShown(w), 10);
         QCOMPARE(selectedRow(w), 9);
     }
 
-    // Rows added to the choice with Ctrl, in the list's order, for Export.
-    void choosesSeveralRows()
+    // Leaving an item through the list writes what was typed, and the list shows it. Rows are
+    // added to the choice with Ctrl, in the list's order, for Export.
+    void choosingRows()
     {
         TestEnvironment env;
         const QList<qint64> ids = env.addNumberedItems(6);
         ItemWindow w(env);
         w->mnuAll_Click();
-        auto* panel = w.child<ItemListPanel>(QStringLiteral("ItemListPanel"));
+        w.field(3)->selectAll();
+        QTest::keyClicks(w.field(3), u"Teapot"_s);
+        clickRow(w, 2);
+        QCOMPARE(env.storedValue(ids.first(), u"ShortDescription"_s).toString(), u"Teapot"_s);
+        QCOMPARE(titleAt(w, 0), u"Teapot"_s);
+        QCOMPARE(w.field(3)->text(), u"Item 3"_s);
+        auto* panel = w.child<ItemListPanel>(u"ItemListPanel"_s);
         clickRow(w, 4);
         QCOMPARE(panel->selectedKeys(), QList<qint64>{ids.at(4)});
-        QTableView* t = table(w);
-        QTest::mouseClick(t->viewport(), Qt::LeftButton, Qt::ControlModifier,
-                          t->visualRect(t->model()->index(1, 0)).center());
+        clickRow(w, 1, Qt::ControlModifier);
         QCOMPARE(panel->selectedKeys(), (QList<qint64>{ids.at(1), ids.at(4)}));
         w->mnuNext_Click();
         QCOMPARE(panel->selectedKeys().size(), 1);
-    }
-
-    // Leaving an item through the list writes what was typed, and the list shows it.
-    void editsAreWrittenOnLeaving()
-    {
-        TestEnvironment env;
-        const QList<qint64> ids = env.addNumberedItems(4);
-        ItemWindow w(env);
-        w->mnuAll_Click();
-        w.field(3)->selectAll();
-        QTest::keyClicks(w.field(3), QStringLiteral("Teapot"));
-        clickRow(w, 2);
-        QCOMPARE(env.storedValue(ids.first(), QStringLiteral("ShortDescription")).toString(),
-                 QStringLiteral("Teapot"));
-        QCOMPARE(titleAt(w, 0), QStringLiteral("Teapot"));
-        QCOMPARE(w.field(3)->text(), QStringLiteral("Item 3"));
     }
 
     // Sorting is the list's own: the window's order and counters stay.
@@ -144,18 +129,18 @@ private slots:
         const QList<qint64> order = w->data().keys();
         clickHeader(w, ItemListModel::Title);
         QVERIFY(settle(w));
-        QCOMPARE(titleAt(w, 1), QStringLiteral("Item 10"));
+        QCOMPARE(titleAt(w, 1), u"Item 10"_s);
         clickHeader(w, ItemListModel::Title);
         QVERIFY(settle(w));
-        QCOMPARE(titleAt(w, 0), QStringLiteral("Item 9"));
+        QCOMPARE(titleAt(w, 0), u"Item 9"_s);
         QCOMPARE(w->data().keys(), order);
-        QCOMPARE(w.current(), QStringLiteral("1"));
+        QCOMPARE(w.current(), u"1"_s);
         QCOMPARE(selectedRow(w), 11); // Item 1 is last now
         clickRow(w, 0);
-        QCOMPARE(w.current(), QStringLiteral("9"));
+        QCOMPARE(w.current(), u"9"_s);
         w->mnuNext_Click();
-        QCOMPARE(w.field(3)->text(), QStringLiteral("Item 10"));
-        QCOMPARE(titleAt(w, selectedRow(w)), QStringLiteral("Item 10"));
+        QCOMPARE(w.field(3)->text(), u"Item 10"_s);
+        QCOMPARE(titleAt(w, selectedRow(w)), u"Item 10"_s);
     }
 
     // Typing narrows the list; Escape brings every row back. Ctrl+F in the list goes to the box.
@@ -165,30 +150,30 @@ private slots:
         env.addNumberedItems(30);
         ItemWindow w(env);
         w->mnuAll_Click();
-        QCOMPARE(search(w)->placeholderText(), QStringLiteral("Search items"));
+        QCOMPARE(search(w)->placeholderText(), u"Search items"_s);
         table(w)->setFocus();
         QTest::keyClick(table(w), Qt::Key_F, Qt::ControlModifier);
         QVERIFY(search(w)->hasFocus());
-        QTest::keyClicks(search(w), QStringLiteral("ITEM 2"));
+        QTest::keyClicks(search(w), u"ITEM 2"_s);
         QVERIFY(settle(w));
-        QCOMPARE(table(w)->model()->rowCount(), 11);
-        QCOMPARE(w.total(), QStringLiteral("30"));
+        QCOMPARE(rowsShown(w), 11);
+        QCOMPARE(w.total(), u"30"_s);
         clickRow(w, 1);
-        QCOMPARE(w.current(), QStringLiteral("20"));
+        QCOMPARE(w.current(), u"20"_s);
         QTest::keyClick(search(w), Qt::Key_Escape);
         QVERIFY(search(w)->text().isEmpty());
-        QCOMPARE(table(w)->model()->rowCount(), 30);
+        QCOMPARE(rowsShown(w), 30);
         QCOMPARE(selectedRow(w), 19);
     }
 
     void narrowWindowStartsWithoutIt_data()
     {
-        QTest::addColumn<QSize>("screen");
-        QTest::addColumn<bool>("shown");
+        addColumns<QSize, bool>("screen", "shown");
         QTest::newRow("640x480") << QSize(640, 480) << false;
         QTest::newRow("1280x1024") << QSize(1280, 1024) << true;
     }
-    // The item keeps all of a narrow window; the user's choice is not overwritten by it.
+    // Shown by default beside the item; the item keeps all of a narrow window. The user's choice
+    // is not overwritten by it.
     void narrowWindowStartsWithoutIt()
     {
         QFETCH(QSize, screen);
@@ -196,12 +181,9 @@ private slots:
         TestEnvironment env;
         env.addNumberedItems(3);
         ItemWindow w(env, screen);
-        QCOMPARE(w.child<QDockWidget>(QStringLiteral("dockItemList"))->isVisible(), shown);
-        QCOMPARE(w.menu(QStringLiteral("mnuViewItemList"))->isChecked(), shown);
-        QVERIFY(env.store()
-                    .get(QStringLiteral("Tallybid"), QStringLiteral("System"),
-                         QStringLiteral("ItemListVisible"))
-                    .isEmpty());
+        QCOMPARE(dock(w)->isVisible(), shown);
+        QCOMPARE(viewMenu(w)->isChecked(), shown);
+        QVERIFY(env.store().get(u"Tallybid"_s, u"System"_s, u"ItemListVisible"_s).isEmpty());
     }
 
     // Hidden, its column widths and its width come back in a new window.
@@ -212,25 +194,23 @@ private slots:
         {
             ItemWindow w(env);
             table(w)->horizontalHeader()->resizeSection(ItemListModel::Title, 211);
-            auto* dock = w.child<QDockWidget>(QStringLiteral("dockItemList"));
-            w->resizeDocks({dock}, {150}, Qt::Horizontal);
-            QTRY_COMPARE(dock->width(), 150);
-            w.menu(QStringLiteral("mnuViewItemList"))->trigger();
-            QVERIFY(!w.child<QDockWidget>(QStringLiteral("dockItemList"))->isVisible());
+            w->resizeDocks({dock(w)}, {150}, Qt::Horizontal);
+            QTRY_COMPARE(dock(w)->width(), 150);
+            viewMenu(w)->trigger();
+            QVERIFY(!dock(w)->isVisible());
         }
         {
             ItemWindow w(env);
-            QVERIFY(!w.child<QDockWidget>(QStringLiteral("dockItemList"))->isVisible());
-            QVERIFY(!w.menu(QStringLiteral("mnuViewItemList"))->isChecked());
+            QVERIFY(!dock(w)->isVisible());
+            QVERIFY(!viewMenu(w)->isChecked());
             QCOMPARE(table(w)->horizontalHeader()->sectionSize(ItemListModel::Title), 211);
-            w.menu(QStringLiteral("mnuViewItemList"))->trigger();
-            auto* dock = w.child<QDockWidget>(QStringLiteral("dockItemList"));
-            QVERIFY(dock->isVisible());
-            QTRY_COMPARE(dock->width(), 150);
+            viewMenu(w)->trigger();
+            QVERIFY(dock(w)->isVisible());
+            QTRY_COMPARE(dock(w)->width(), 150);
         }
         ItemWindow w(env);
-        QVERIFY(w.child<QDockWidget>(QStringLiteral("dockItemList"))->isVisible());
-        QTRY_COMPARE(w.child<QDockWidget>(QStringLiteral("dockItemList"))->width(), 150);
+        QVERIFY(dock(w)->isVisible());
+        QTRY_COMPARE(dock(w)->width(), 150);
     }
 };
 

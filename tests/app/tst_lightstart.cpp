@@ -2,17 +2,9 @@
 // until a transfer. And what the cheaper ways
 // of reading pictures give: the same icons QIcon and the style would have given. Run at scale
 // factors 1 and 2.
-#include "../support/TestEnvironment.h"
-#include "app/Launcher.h"
-#include "app/frmItems.h"
+#include "ItemWindowFixture.h"
 #include "platform/AppImages.h"
 #include "platform/DeferredIconStyle.h"
-
-#include <QImageReader>
-#include <QLibraryInfo>
-#include <QStyleFactory>
-#include <QStyleOption>
-#include <QtTest>
 
 namespace {
 
@@ -69,28 +61,24 @@ private slots:
         QVERIFY2(loadedPicturePlugins().isEmpty(), qPrintable(loadedPicturePlugins().join(u' ')));
         TestEnvironment env;
         env.addNumberedItems(3);
-        Launcher launcher(env.prompts(), env.shell(), env.store(), env.context().timeZone);
-        launcher.setLockFolder(env.appPath());
-        QVERIFY(
-            launcher.start({QStringLiteral("tallybid"), QStringLiteral("--appdir"), env.appPath()},
-                           {}, QSize(1280, 1024)));
+        Started run(env, appdirArguments(env.appPath()), env.appPath());
+        QVERIFY(run.ok);
         // Start-up returns with the window on screen and the splash gone.
-        QVERIFY(launcher.window()->windowHandle()->isExposed());
+        QVERIFY(run.launcher.window()->windowHandle()->isExposed());
         for (const QWidget* w : QApplication::topLevelWidgets())
             QVERIFY2(!w->isVisible() || !w->inherits("QSplashScreen"), "the splash is still up");
-        launcher.window()->grab(); // every icon shown is drawn
+        run.launcher.window()->grab(); // every icon shown is drawn
         // The logo an item without pictures shows is a GIF: its own plugin, found by name.
         QStringList loaded = loadedPicturePlugins();
-        loaded.removeAll(QStringLiteral("libqgif.so"));
+        loaded.removeAll(u"libqgif.so"_s);
         QVERIFY2(loaded.isEmpty(), qPrintable(loaded.join(u' ')));
         QVERIFY2(mappedFiles("/libcurl").isEmpty(), "libcurl was loaded before any transfer");
 
         // The check sees plugins when they are loaded: a guess loads every one installed.
-        const QString plugins =
-            QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/imageformats");
+        const QString plugins = QLibraryInfo::path(QLibraryInfo::PluginsPath) + u"/imageformats"_s;
         if (QDir(plugins).entryList(QDir::Files).size() < 2)
             QSKIP("fewer than two picture plugins installed");
-        QImageReader(QStringLiteral(":/icons/Add.png")).read();
+        QImageReader(u":/icons/Add.png"_s).read();
         QVERIFY(loadedPicturePlugins().size() >= 2);
     }
 
@@ -105,12 +93,10 @@ private slots:
     void pngIconIsQIcon()
     {
         QFETCH(QString, path);
-        QTemporaryDir dir;
+        TestEnvironment env;
         if (!path.startsWith(u':')) {
-            path = dir.filePath(path);
-            QFile file(path);
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write("not a picture");
+            path = env.writeFile(path, "not a picture");
+            QVERIFY(QFileInfo::exists(path));
         }
         compareIcons(AppImages::pngIcon(path), QIcon(path));
     }
@@ -118,8 +104,7 @@ private slots:
     // The copies decoded at build time hold exactly what reading the file gives.
     void decodedCopiesAreTheFiles_data()
     {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QByteArray>("format");
+        addColumns<QString, QByteArray>("path", "format");
         QTest::newRow("splash") << ":/splash.ppm" << QByteArray("ppm");
         QTest::newRow("toolbar icon") << ":/icons/Find.png" << QByteArray("png");
         QTest::newRow("toolbar icon @2x") << ":/icons/Find@2x.png" << QByteArray("png");
@@ -139,8 +124,7 @@ private slots:
 
     void decodedForm_data()
     {
-        QTest::addColumn<QByteArray>("data");
-        QTest::addColumn<bool>("whole");
+        addColumns<QByteArray, bool>("data", "whole");
         QImage alpha(5, 3, QImage::Format_ARGB32);
         alpha.fill(QColor(10, 200, 30, 100));
         alpha.setPixelColor(4, 2, QColor(255, 0, 0, 0));
@@ -174,24 +158,21 @@ private slots:
         QFETCH(bool, whole);
         const QImage back = AppImages::fromDecoded(data);
         QCOMPARE(!back.isNull(), whole);
-        if (!whole)
-            return;
-        QCOMPARE(AppImages::toDecoded(back), data); // nothing lost either way
+        if (whole)
+            QCOMPARE(AppImages::toDecoded(back), data); // nothing lost either way
     }
 
     // Deferred or not, each icon draws as the wrapped style's own.
     void styleIconsAsTheStyleGives_data()
     {
-        QTest::addColumn<int>("standardPixmap");
-        QTest::addColumn<bool>("rightToLeft");
-        QTest::newRow("toolbar overflow")
-            << int(QStyle::SP_ToolBarHorizontalExtensionButton) << false;
-        QTest::newRow("toolbar overflow, right to left")
-            << int(QStyle::SP_ToolBarHorizontalExtensionButton) << true;
-        QTest::newRow("vertical overflow")
-            << int(QStyle::SP_ToolBarVerticalExtensionButton) << false;
+        addColumns<int, bool>("standardPixmap", "rightToLeft");
+        // clang-format off
+        QTest::newRow("toolbar overflow") << int(QStyle::SP_ToolBarHorizontalExtensionButton) << false;
+        QTest::newRow("toolbar overflow, right to left") << int(QStyle::SP_ToolBarHorizontalExtensionButton) << true;
+        QTest::newRow("vertical overflow") << int(QStyle::SP_ToolBarVerticalExtensionButton) << false;
         QTest::newRow("clear button") << int(QStyle::SP_LineEditClearButton) << false;
         QTest::newRow("not deferred") << int(QStyle::SP_DialogOkButton) << false;
+        // clang-format on
     }
     void styleIconsAsTheStyleGives()
     {
@@ -200,8 +181,8 @@ private slots:
         const auto pixmap = QStyle::StandardPixmap(standardPixmap);
         QStyleOption option;
         option.direction = rightToLeft ? Qt::RightToLeft : Qt::LeftToRight;
-        const std::unique_ptr<QStyle> plain(QStyleFactory::create(QStringLiteral("Fusion")));
-        const DeferredIconStyle deferred(QStyleFactory::create(QStringLiteral("Fusion")));
+        const std::unique_ptr<QStyle> plain(QStyleFactory::create(u"Fusion"_s));
+        const DeferredIconStyle deferred(QStyleFactory::create(u"Fusion"_s));
         compareIcons(deferred.standardIcon(pixmap, &option), plain->standardIcon(pixmap, &option));
     }
 };

@@ -2,13 +2,12 @@
 // cut, nothing over the screen's edge, readable in a dark palette. Registered three times: on
 // the default screen, on a 640x480 screen, and at scale factor 2 on a 1600x1000 screen.
 #include "../support/LayoutCheck.h"
-#include "../support/TestEnvironment.h"
+#include "ItemWindowFixture.h"
 #include "aftersale/frmCleanup.h"
 #include "aftersale/frmEndingAuction.h"
 #include "aftersale/frmNote.h"
 #include "app/frmFind.h"
 #include "app/frmImport.h"
-#include "app/frmItems.h"
 #include "app/frmSplash.h"
 #include "app/frmTools.h"
 #include "ftp/frmFTP.h"
@@ -17,15 +16,6 @@
 #include "reports/frmReports.h"
 #include "settings/frmOptions.h"
 #include "web/frmLoadWebPage.h"
-
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QScreen>
-#include <QTabBar>
-#include <QTabWidget>
-#include <QtTest>
-#include <functional>
 
 using Factory = std::function<std::unique_ptr<QWidget>(AppContext&)>;
 Q_DECLARE_METATYPE(Factory)
@@ -65,16 +55,23 @@ QStringList problemsOf(QWidget& window)
 QPalette darkPalette()
 {
     QPalette p;
-    p.setColor(QPalette::Window, QColor(0x35, 0x35, 0x35));
-    p.setColor(QPalette::WindowText, QColor(0xee, 0xee, 0xee));
+    for (const auto role : {QPalette::Window, QPalette::AlternateBase, QPalette::Button})
+        p.setColor(role, QColor(0x35, 0x35, 0x35));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        p.setColor(role, QColor(0xee, 0xee, 0xee));
     p.setColor(QPalette::Base, QColor(0x25, 0x25, 0x25));
-    p.setColor(QPalette::AlternateBase, QColor(0x35, 0x35, 0x35));
-    p.setColor(QPalette::Text, QColor(0xee, 0xee, 0xee));
-    p.setColor(QPalette::Button, QColor(0x35, 0x35, 0x35));
-    p.setColor(QPalette::ButtonText, QColor(0xee, 0xee, 0xee));
     p.setColor(QPalette::Highlight, QColor(0x2a, 0x82, 0xda));
     p.setColor(QPalette::HighlightedText, Qt::black);
     return p;
+}
+
+// Empty when a window of this size fits on the screen, else the size.
+QString overflow(QSize size)
+{
+    const QSize room = WindowFit::room(available(), kFrame);
+    if (size.width() <= room.width() && size.height() <= room.height())
+        return {};
+    return u"%1x%2"_s.arg(size.width()).arg(size.height());
 }
 
 // Contrast ratio of two colours as used for readable text (1 to 21).
@@ -94,9 +91,8 @@ double contrast(const QColor& a, const QColor& b)
 
 QString shot(const QString& name)
 {
-    const QString screen =
-        QStringLiteral("%1x%2").arg(available().width()).arg(available().height());
-    return QDir::temp().filePath(QStringLiteral("tallybid-%1-%2.png").arg(name, screen));
+    const QString screen = u"%1x%2"_s.arg(available().width()).arg(available().height());
+    return QDir::temp().filePath(u"tallybid-%1-%2.png"_s.arg(name, screen));
 }
 
 } // namespace
@@ -105,200 +101,173 @@ class TestWindowFit : public QObject
 {
     Q_OBJECT
 private slots:
-    void everyWindowFits_data();
-    void everyWindowFits();
-    void savedSizeIsFittedToTheScreen();
-    void findHelpIsWhole();
-    void pictureLabelsRead_data();
-    void pictureLabelsRead();
-    void splashShowsOneLine();
-    void emptyViewGreysEveryBox();
-};
+    void everyWindowFits_data()
+    {
+        QTest::addColumn<Factory>("make");
+        const auto row = [](const char* name, Factory make) { QTest::newRow(name) << make; };
+        // clang-format off
+        row("frmItems", [](AppContext& c) { return std::make_unique<frmItems>(c, QSize(1280, 1024)); });
+        row("frmFind", [](AppContext& c) { return std::make_unique<frmFind>(c); });
+        row("frmImport", [](AppContext& c) {
+            return std::make_unique<frmImport>(
+                c, ItemCsv::planImport(u"ShortDescription,Cost,Colour\nLamp,1,red\nVase,ten,blue\n"), u"items.csv"_s);
+        });
+        row("frmOptions", [](AppContext& c) { return std::make_unique<frmOptions>(c); });
+        row("frmAdStudio", [](AppContext& c) { return std::make_unique<frmAdStudio>(c); });
+        row("frmFTP", [](AppContext& c) { return std::make_unique<frmFTP>(c); });
+        row("frmLoadWebPage", [](AppContext& c) { return std::make_unique<frmLoadWebPage>(c); });
+        row("frmEndingAuction", [](AppContext& c) { return std::make_unique<frmEndingAuction>(c); });
+        row("frmNote", [](AppContext& c) { return std::make_unique<frmNote>(c, nullptr); });
+        row("frmCleanup", [](AppContext& c) { return std::make_unique<frmCleanup>(c, [] {}, [] { return nullptr; }); });
+        row("frmReports", [](AppContext& c) { return std::make_unique<frmReports>(c); });
+        row("frmCalculator", [](AppContext&) { return std::make_unique<frmCalculator>(); });
+        row("frmCalendar", [](AppContext&) { return std::make_unique<frmCalendar>(); });
+        // clang-format on
+    }
+    void everyWindowFits()
+    {
+        QFETCH(Factory, make);
+        TestEnvironment env;
+        env.addNumberedItems(3);
+        const std::unique_ptr<QWidget> window = make(env.context());
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+        const QString name = QString::fromLatin1(QTest::currentDataTag());
 
-void TestWindowFit::everyWindowFits_data()
-{
-    QTest::addColumn<Factory>("make");
-    const auto row = [](const char* name, Factory make) { QTest::newRow(name) << make; };
-    row("frmItems", [](AppContext& c) { return std::make_unique<frmItems>(c, QSize(1280, 1024)); });
-    row("frmFind", [](AppContext& c) { return std::make_unique<frmFind>(c); });
-    row("frmImport", [](AppContext& c) {
-        return std::make_unique<frmImport>(
-            c, ItemCsv::planImport(u"ShortDescription,Cost,Colour\nLamp,1,red\nVase,ten,blue\n"),
-            QStringLiteral("items.csv"));
-    });
-    row("frmOptions", [](AppContext& c) { return std::make_unique<frmOptions>(c); });
-    row("frmAdStudio", [](AppContext& c) { return std::make_unique<frmAdStudio>(c); });
-    row("frmFTP", [](AppContext& c) { return std::make_unique<frmFTP>(c); });
-    row("frmLoadWebPage", [](AppContext& c) { return std::make_unique<frmLoadWebPage>(c); });
-    row("frmEndingAuction", [](AppContext& c) { return std::make_unique<frmEndingAuction>(c); });
-    row("frmNote", [](AppContext& c) { return std::make_unique<frmNote>(c, nullptr); });
-    row("frmCleanup", [](AppContext& c) {
-        return std::make_unique<frmCleanup>(
-            c, [] {}, [] { return nullptr; });
-    });
-    row("frmReports", [](AppContext& c) { return std::make_unique<frmReports>(c); });
-    row("frmCalculator", [](AppContext&) { return std::make_unique<frmCalculator>(); });
-    row("frmCalendar", [](AppContext&) { return std::make_unique<frmCalendar>(); });
-}
+        // As it opens: on the screen, whole.
+        QCOMPARE(overflow(window->size()), QString());
+        QCOMPARE(problemsOf(*window), QStringList());
+        QVERIFY(window->grab().save(shot(name)));
 
-void TestWindowFit::everyWindowFits()
-{
-    QFETCH(Factory, make);
-    TestEnvironment env;
-    env.addNumberedItems(3);
-    const std::unique_ptr<QWidget> window = make(env.context());
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
-    const QSize room = WindowFit::room(available(), kFrame);
-    const QString name = QString::fromLatin1(QTest::currentDataTag());
-
-    // As it opens: on the screen, whole.
-    QVERIFY2(window->width() <= room.width() && window->height() <= room.height(),
-             qPrintable(QStringLiteral("%1x%2").arg(window->width()).arg(window->height())));
-    QCOMPARE(problemsOf(*window), QStringList());
-    QVERIFY(window->grab().save(shot(name)));
-
-    // As small as it goes: still on the screen and still whole.
-    const QSize minimum = window->minimumSize();
-    QVERIFY2(
-        minimum.width() <= room.width() && minimum.height() <= room.height(),
-        qPrintable(QStringLiteral("minimum %1x%2").arg(minimum.width()).arg(minimum.height())));
-    window->resize(1, 1);
-    QCoreApplication::processEvents();
-    QCOMPARE(window->size(), minimum);
-    QCOMPARE(problemsOf(*window), QStringList());
-    QVERIFY(window->grab().save(shot(name + QLatin1String("-min"))));
-
-    // In a dark palette.
-    const QPalette kept = QApplication::palette();
-    QApplication::setPalette(darkPalette());
-    window->resize(window->sizeHint());
-    QCoreApplication::processEvents();
-    QVERIFY(window->grab().save(shot(name + QLatin1String("-dark"))));
-    QApplication::setPalette(kept);
-}
-
-// A size kept from a larger screen, or from before the scale changed, comes back on screen.
-void TestWindowFit::savedSizeIsFittedToTheScreen()
-{
-    TestEnvironment env;
-    env.store().save(QStringLiteral("Tallybid"), QStringLiteral("Options"),
-                     QStringLiteral("MainFormWidth"), QString::number(1600 * 15));
-    env.store().save(QStringLiteral("Tallybid"), QStringLiteral("Options"),
-                     QStringLiteral("MainFormHeight"), QString::number(1200 * 15));
-    frmItems items(env.context(), QGuiApplication::primaryScreen()->size());
-    items.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&items));
-    const QSize room = WindowFit::room(available(), kFrame);
-    QVERIFY(items.width() <= room.width() && items.height() <= room.height());
-
-    frmOptions options(env.context(), &items);
-    options.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&options));
-    auto* cancel = options.findChild<QPushButton*>(QStringLiteral("cmdCancel"));
-    const QRect onScreen(cancel->mapToGlobal(QPoint(0, 0)), cancel->size());
-    QVERIFY2(
-        available().contains(onScreen),
-        qPrintable(QStringLiteral("Cancel at %1,%2").arg(onScreen.right()).arg(onScreen.bottom())));
-}
-
-// The help text of the text search ends in "aol.com"": all of its lines are shown.
-void TestWindowFit::findHelpIsWhole()
-{
-    TestEnvironment env;
-    frmFind find(env.context());
-    find.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&find));
-    auto* help = find.findChild<QLabel*>(QStringLiteral("lblHelp"));
-    for (const QSize size : {find.size(), find.minimumSize()}) {
-        find.resize(size);
+        // As small as it goes: still on the screen and still whole.
+        const QSize minimum = window->minimumSize();
+        QCOMPARE(overflow(minimum), QString());
+        window->resize(1, 1);
         QCoreApplication::processEvents();
-        QVERIFY2(help->height() >= help->heightForWidth(help->width()),
-                 qPrintable(QStringLiteral("%1 px high, needs %2")
-                                .arg(help->height())
-                                .arg(help->heightForWidth(help->width()))));
-    }
-}
+        QCOMPARE(window->size(), minimum);
+        QCOMPARE(problemsOf(*window), QStringList());
+        QVERIFY(window->grab().save(shot(name + "-min"_L1)));
 
-void TestWindowFit::pictureLabelsRead_data()
-{
-    QTest::addColumn<bool>("dark");
-    QTest::addColumn<QColor>("previewed"); // invalid: any colour that reads
-    QTest::addColumn<QColor>("others");
-    QTest::newRow("light") << false << QColor(0, 0, 0x80) << QColor(Qt::black);
-    QTest::newRow("dark") << true << QColor() << QColor();
-}
-
-// Picture 2 is previewed: its label stands out from the other two, and all three read on the
-// window's background.
-void TestWindowFit::pictureLabelsRead()
-{
-    QFETCH(bool, dark);
-    const QPalette kept = QApplication::palette();
-    if (dark)
+        // In a dark palette.
+        const QPalette kept = QApplication::palette();
         QApplication::setPalette(darkPalette());
-    TestEnvironment env;
-    QImage picture(40, 30, QImage::Format_RGB32);
-    picture.fill(Qt::red);
-    const QString path = env.path(QStringLiteral("p.png"));
-    QVERIFY(picture.save(path));
-    env.addItems(
-        {{{QStringLiteral("Picture1Path"), path}, {QStringLiteral("Picture2Path"), path}}});
-    frmItems items(env.context(), QSize(1280, 1024));
-    items.show();
-    items.previewPicture(6);
-    const QColor background = items.palette().color(QPalette::Window);
-    QList<QColor> colours;
-    for (int i = 4; i <= 6; ++i) {
-        auto* label = items.findChild<QLabel*>(QStringLiteral("txtLabels_%1").arg(i));
-        colours << label->palette().color(QPalette::WindowText);
-        QVERIFY2(contrast(colours.last(), background) >= 4.5,
-                 qPrintable(label->text() + u' ' + colours.last().name()));
+        window->resize(window->sizeHint());
+        QCoreApplication::processEvents();
+        QVERIFY(window->grab().save(shot(name + "-dark"_L1)));
+        QApplication::setPalette(kept);
     }
-    QApplication::setPalette(kept);
-    QCOMPARE(colours[0], colours[2]);
-    QVERIFY(colours[1] != colours[0]);
-    QFETCH(QColor, previewed);
-    QFETCH(QColor, others);
-    if (previewed.isValid()) {
-        QCOMPARE(colours[1], previewed);
-        QCOMPARE(colours[0], others);
-    }
-}
 
-// The artwork has its own status line; nothing is written over it.
-void TestWindowFit::splashShowsOneLine()
-{
-    frmSplash splash;
-    splash.show();
-    QCoreApplication::processEvents();
-    const QImage artwork =
-        QImage(QStringLiteral(":/splash.ppm")).convertToFormat(QImage::Format_RGB32);
-    QVERIFY(!artwork.isNull());
-    const QImage shown = splash.grab().toImage().convertToFormat(QImage::Format_RGB32);
-    QVERIFY(splash.grab().save(shot(QStringLiteral("splash"))));
-    if (splash.devicePixelRatio() != 1.0)
-        QSKIP("the artwork is redrawn at the screen's scale; compared on unscaled screens");
-    QCOMPARE(shown.size(), artwork.size());
-    QVERIFY(shown == artwork);
-}
+    // A size kept from a larger screen, or from before the scale changed, comes back on screen.
+    void savedSizeIsFittedToTheScreen()
+    {
+        TestEnvironment env;
+        env.store().save(u"Tallybid"_s, u"Options"_s, u"MainFormWidth"_s,
+                         QString::number(1600 * 15));
+        env.store().save(u"Tallybid"_s, u"Options"_s, u"MainFormHeight"_s,
+                         QString::number(1200 * 15));
+        frmItems items(env.context(), QGuiApplication::primaryScreen()->size());
+        items.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&items));
+        QCOMPARE(overflow(items.size()), QString());
 
-// An Inactive view with nothing in it: every box is grey, the ID box too.
-void TestWindowFit::emptyViewGreysEveryBox()
-{
-    TestEnvironment env;
-    env.addItems({{{QStringLiteral("ShortDescription"), QStringLiteral("Vase")},
-                   {QStringLiteral("Active"), true}}});
-    frmItems items(env.context(), QSize(1280, 1024));
-    items.show();
-    items.mnuClosed_Click();
-    for (int i = 0; i < 15; ++i) {
-        auto* box = items.findChild<QWidget*>(QStringLiteral("txtFields_%1").arg(i));
-        QVERIFY2(!box->isEnabled(), qPrintable(box->objectName()));
+        frmOptions options(env.context(), &items);
+        options.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&options));
+        auto* cancel = options.findChild<QPushButton*>(u"cmdCancel"_s);
+        const QRect onScreen(cancel->mapToGlobal(QPoint(0, 0)), cancel->size());
+        QVERIFY2(available().contains(onScreen),
+                 qPrintable(u"Cancel at %1,%2"_s.arg(onScreen.right()).arg(onScreen.bottom())));
     }
-    items.mnuAll_Click();
-    QVERIFY(items.findChild<QLineEdit*>(QStringLiteral("txtFields_0"))->isEnabled());
-}
+
+    // The help text of the text search ends in "aol.com"": all of its lines are shown.
+    void findHelpIsWhole()
+    {
+        TestEnvironment env;
+        frmFind find(env.context());
+        find.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&find));
+        auto* help = find.findChild<QLabel*>(u"lblHelp"_s);
+        for (const QSize size : {find.size(), find.minimumSize()}) {
+            find.resize(size);
+            QCoreApplication::processEvents();
+            const int needed = help->heightForWidth(help->width());
+            QVERIFY2(help->height() >= needed,
+                     qPrintable(u"%1 px high, needs %2"_s.arg(help->height()).arg(needed)));
+        }
+    }
+
+    void pictureLabelsRead_data()
+    {
+        // previewed: invalid: any colour that reads
+        addColumns<bool, QColor, QColor>("dark", "previewed", "others");
+        QTest::newRow("light") << false << QColor(0, 0, 0x80) << QColor(Qt::black);
+        QTest::newRow("dark") << true << QColor() << QColor();
+    }
+    // Picture 2 is previewed: its label stands out from the other two, and all three read on the
+    // window's background.
+    void pictureLabelsRead()
+    {
+        QFETCH(bool, dark);
+        QFETCH(QColor, previewed);
+        QFETCH(QColor, others);
+        const QPalette kept = QApplication::palette();
+        if (dark)
+            QApplication::setPalette(darkPalette());
+        TestEnvironment env;
+        const QString path = savePicture(env.path(u"p.png"_s), 40, 30);
+        env.addItems({{{u"Picture1Path"_s, path}, {u"Picture2Path"_s, path}}});
+        frmItems items(env.context(), QSize(1280, 1024));
+        items.show();
+        items.previewPicture(6);
+        const QColor background = items.palette().color(QPalette::Window);
+        QList<QColor> colours;
+        for (int i = 4; i <= 6; ++i) {
+            auto* label = items.findChild<QLabel*>(u"txtLabels_%1"_s.arg(i));
+            colours << label->palette().color(QPalette::WindowText);
+            QVERIFY2(contrast(colours.last(), background) >= 4.5,
+                     qPrintable(label->text() + u' ' + colours.last().name()));
+        }
+        QApplication::setPalette(kept);
+        QCOMPARE(colours[0], colours[2]);
+        QVERIFY(colours[1] != colours[0]);
+        if (previewed.isValid()) {
+            QCOMPARE(colours[1], previewed);
+            QCOMPARE(colours[0], others);
+        }
+    }
+
+    // The artwork has its own status line; nothing is written over it.
+    void splashShowsOneLine()
+    {
+        frmSplash splash;
+        splash.show();
+        QCoreApplication::processEvents();
+        const QImage artwork = QImage(u":/splash.ppm"_s).convertToFormat(QImage::Format_RGB32);
+        QVERIFY(!artwork.isNull());
+        const QImage shown = splash.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        QVERIFY(splash.grab().save(shot(u"splash"_s)));
+        if (splash.devicePixelRatio() != 1.0)
+            QSKIP("the artwork is redrawn at the screen's scale; compared on unscaled screens");
+        QCOMPARE(shown.size(), artwork.size());
+        QVERIFY(shown == artwork);
+    }
+
+    // An Inactive view with nothing in it: every box is grey, the ID box too.
+    void emptyViewGreysEveryBox()
+    {
+        TestEnvironment env;
+        env.addItems({{{u"ShortDescription"_s, u"Vase"_s}, {u"Active"_s, true}}});
+        frmItems items(env.context(), QSize(1280, 1024));
+        items.show();
+        items.mnuClosed_Click();
+        for (int i = 0; i < 15; ++i) {
+            auto* box = items.findChild<QWidget*>(u"txtFields_%1"_s.arg(i));
+            QVERIFY2(!box->isEnabled(), qPrintable(box->objectName()));
+        }
+        items.mnuAll_Click();
+        QVERIFY(items.findChild<QLineEdit*>(u"txtFields_0"_s)->isEnabled());
+    }
+};
 
 QTEST_MAIN(TestWindowFit)
 #include "tst_windowfit.moc"
