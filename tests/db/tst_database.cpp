@@ -1,11 +1,19 @@
 #include "../support/TestEnvironment.h"
 #include "platform/Database.h"
 
-#include <QElapsedTimer>
 #include <QSqlQuery>
 #include <QtTest>
 #include <algorithm>
-#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+// A change made between asking for keys and taking them (on another connection when
+// elsewhere), and whether the keys are then taken.
+// clang-format off
+struct Prefetch { QString change; bool elsewhere, sameStatement, taken; KeyOrder order; };
+// clang-format on
+} // namespace
 
 class TestDatabase : public QObject
 {
@@ -28,7 +36,7 @@ private slots:
     {
         QFETCH(QByteArray, content);
         QTemporaryDir dir; // blanks, # and % in the folder name must not trouble the driver
-        const QString path = dir.filePath(QStringLiteral("My Items #2 100% ?/tb2.mdb"));
+        const QString path = dir.filePath(u"My Items #2 100% ?/tb2.mdb"_s);
         QVERIFY(QDir().mkpath(QFileInfo(path).path()));
         QFile schema(QStringLiteral(TB_SCHEMA_FILE));
         if (content == "schema" && schema.open(QIODevice::ReadOnly)) {
@@ -90,7 +98,7 @@ private slots:
         QFETCH(QString, pattern);
         QFETCH(QString, value);
         QSqlQuery q(m_env->context().itemDatabase);
-        QVERIFY(q.exec(QStringLiteral("SELECT '%1' LIKE '%2'").arg(value, pattern)) && q.next());
+        QVERIFY(q.exec(u"SELECT '%1' LIKE '%2'"_s.arg(value, pattern)) && q.next());
         QTEST(q.value(0).toBool(), "matches");
     }
 
@@ -107,16 +115,15 @@ private slots:
     {
         QFETCH(QString, value);
         const QSqlDatabase db = m_env->context().itemDatabase;
-        const QString sql = QStringLiteral("SELECT ?, %1, ? * 2").arg(value);
         QSqlQuery q(db);
-        QVERIFY(q.prepare(sql));
+        QVERIFY(q.prepare(u"SELECT ?, %1, ? * 2"_s.arg(value)));
         q.addBindValue(7);
         q.addBindValue(7);
         QVERIFY(q.exec() && q.next());
         RowReader reader;
         QVariantList row;
         for (int pass = 0; pass < 2; ++pass) { // the second read reuses the kept statement
-            QVERIFY(reader.read(db, QStringLiteral("SELECT ?1, %1, ?1 * 2").arg(value), 7, row));
+            QVERIFY(reader.read(db, u"SELECT ?1, %1, ?1 * 2"_s.arg(value), 7, row));
             QCOMPARE(row.size(), 3);
             for (int c = 0; c < 3; ++c) {
                 QCOMPARE(row.at(c).typeId(), q.value(c).typeId());
@@ -124,50 +131,39 @@ private slots:
                 QCOMPARE(row.at(c), q.value(c));
             }
         }
-        QVERIFY(!reader.read(db, QStringLiteral("SELECT 1 WHERE ?1 = 0"), 7, row));
+        QVERIFY(!reader.read(db, u"SELECT 1 WHERE ?1 = 0"_s, 7, row));
         QVERIFY(row.isEmpty());
     }
 
     // Keys read ahead on another connection are taken only while they are still the table's.
     void keyPrefetch_data()
     {
-        QTest::addColumn<QString>("change"); // SQL run between asking and taking
-        QTest::addColumn<bool>("otherConnection");
-        QTest::addColumn<bool>("sameStatement");
-        QTest::addColumn<bool>("taken");
-        QTest::addColumn<KeyOrder>("order");
-        QTest::newRow("unchanged") << QString() << false << true << true << KeyOrder::Listed;
-        QTest::newRow("unchanged, ascending")
-            << QString() << false << true << true << KeyOrder::Ascending;
-        QTest::newRow("another statement")
-            << QString() << false << false << false << KeyOrder::Listed;
-        QTest::newRow("row added here")
-            << "INSERT INTO Items DEFAULT VALUES" << false << true << false << KeyOrder::Ascending;
-        QTest::newRow("row deleted elsewhere")
-            << "DELETE FROM Items WHERE ID = (SELECT min(ID) FROM Items)" << true << true << false
-            << KeyOrder::Listed;
+        QTest::addColumn<Prefetch>("row");
+        const QString insert = "INSERT INTO Items DEFAULT VALUES";
+        const QString deleteFirst = "DELETE FROM Items WHERE ID = (SELECT min(ID) FROM Items)";
+        // clang-format off
+        QTest::newRow("unchanged")             << Prefetch{{}, false, true, true, KeyOrder::Listed};
+        QTest::newRow("unchanged, ascending")  << Prefetch{{}, false, true, true, KeyOrder::Ascending};
+        QTest::newRow("another statement")     << Prefetch{{}, false, false, false, KeyOrder::Listed};
+        QTest::newRow("row added here")        << Prefetch{insert, false, true, false, KeyOrder::Ascending};
+        QTest::newRow("row deleted elsewhere") << Prefetch{deleteFirst, true, true, false, KeyOrder::Listed};
+        // clang-format on
     }
     void keyPrefetch()
     {
-        QFETCH(QString, change);
-        QFETCH(bool, otherConnection);
-        QFETCH(bool, sameStatement);
-        QFETCH(KeyOrder, order);
+        QFETCH(Prefetch, row);
         const QSqlDatabase db = m_env->context().itemDatabase;
         m_env->addNumberedItems(5);
-        const QString sql = QStringLiteral("SELECT ID FROM Items WHERE Active = 1");
-        KeyPrefetch prefetch(db, sql, order);
-        if (!change.isEmpty()) {
-            const QSqlDatabase writer =
-                otherConnection
-                    ? openDatabase(m_env->context().state.databasePath, QStringLiteral("other"))
-                          .database
-                    : db;
-            QVERIFY(QSqlQuery(writer).exec(change));
+        const QString sql = u"SELECT ID FROM Items WHERE Active = 1"_s, other = u"other"_s;
+        KeyPrefetch prefetch(db, sql, row.order);
+        if (!row.change.isEmpty()) {
+            const QString path = m_env->context().state.databasePath;
+            QVERIFY(QSqlQuery(row.elsewhere ? openDatabase(path, other).database : db)
+                        .exec(row.change));
         }
-        QSqlDatabase::removeDatabase(QStringLiteral("other"));
-        const auto keys = prefetch.take(db, sameStatement ? sql : sql + QLatin1String(" + 0"));
-        QTEST(keys.has_value(), "taken");
+        QSqlDatabase::removeDatabase(other);
+        const auto keys = prefetch.take(db, row.sameStatement ? sql : sql + u" + 0"_s);
+        QCOMPARE(keys.has_value(), row.taken);
         if (keys)
             QCOMPARE(*keys, scanIds(db, sql).ids); // the statement lists them ascending too
         QVERIFY(!prefetch.take(db, sql));          // once only
@@ -179,21 +175,21 @@ private slots:
     {
         QTest::addColumn<QString>("sql");
         QTest::addColumn<bool>("readable");
-        QTest::newRow("all items") << "SELECT ID FROM Items" << true;
-        QTest::newRow("no rows") << "SELECT ID FROM Items WHERE 0" << true;
-        QTest::newRow("a view, newest first")
-            << "SELECT ID FROM (SELECT * FROM ClosedItems ORDER BY ID DESC)" << true;
-        QTest::newRow("many runs")
-            << "SELECT ID FROM (SELECT * FROM Items ORDER BY ID % 10)" << true;
-        QTest::newRow("a null key") << "SELECT NULL AS ID UNION ALL SELECT 7" << true;
-        QTest::newRow("no such table") << "SELECT ID FROM Nowhere" << false;
+        // clang-format off
+        QTest::newRow("all items")            << "SELECT ID FROM Items" << true;
+        QTest::newRow("no rows")              << "SELECT ID FROM Items WHERE 0" << true;
+        QTest::newRow("a view, newest first") << "SELECT ID FROM (SELECT * FROM ClosedItems ORDER BY ID DESC)" << true;
+        QTest::newRow("many runs")            << "SELECT ID FROM (SELECT * FROM Items ORDER BY ID % 10)" << true;
+        QTest::newRow("a null key")           << "SELECT NULL AS ID UNION ALL SELECT 7" << true;
+        QTest::newRow("no such table")        << "SELECT ID FROM Nowhere" << false;
+        // clang-format on
     }
     void keysAscending()
     {
         QFETCH(QString, sql);
         const QSqlDatabase db = m_env->context().itemDatabase;
         m_env->addNumberedItems(300);
-        QSqlQuery(db).exec(QStringLiteral("UPDATE Items SET Active = ID % 3 = 0"));
+        QSqlQuery(db).exec(u"UPDATE Items SET Active = ID % 3 = 0"_s);
         const IdScan ascending = SourceReader().keys(db, sql, KeyOrder::Ascending);
         QTEST(ascending.ok(), "readable");
         if (!ascending.ok())
@@ -219,26 +215,24 @@ private slots:
         const auto scan = [&](const QString& sql, const QVariantList& values, int limit) {
             return kept ? scanner.scan(db, sql, values, limit) : scanIds(db, sql, values, limit);
         };
-        const QString endlessSql = QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL "
-                                                  "SELECT x + 1 FROM n) SELECT x FROM n "
-                                                  "WHERE x < ?");
+        const QString endlessSql =
+            u"WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n) SELECT x FROM n "
+            "WHERE x < ?"_s;
         for (int pass = 0; pass < 2; ++pass) {
             QElapsedTimer clock;
             clock.start();
             const IdScan endless = scan(endlessSql, {0}, 200);
-            QVERIFY(endless.timedOut);
-            QVERIFY(!endless.ok());
+            QVERIFY(endless.timedOut && !endless.ok());
             QVERIFY(clock.elapsed() < 3000);
             const IdScan few =
-                scan(QStringLiteral("SELECT column1 FROM (VALUES (1), (2), (5)) WHERE column1 < ?"),
-                     {3}, 200);
+                scan(u"SELECT column1 FROM (VALUES (1), (2), (5)) WHERE column1 < ?"_s, {3}, 200);
             QVERIFY2(few.ok(), qPrintable(few.error));
             QCOMPARE(few.ids, (QList<qint64>{1, 2}));
         }
-        const IdScan after = scan(QStringLiteral("SELECT ? + 1"), {41}, 0);
+        const IdScan after = scan(u"SELECT ? + 1"_s, {41}, 0);
         QVERIFY2(after.ok(), qPrintable(after.error));
         QCOMPARE(after.ids, QList<qint64>{42});
-        QVERIFY(!scan(QStringLiteral("SELECT nonsense FROM"), {}, 0).ok());
+        QVERIFY(!scan(u"SELECT nonsense FROM"_s, {}, 0).ok());
     }
 };
 

@@ -5,7 +5,6 @@
 #include "db/ItemSql.h"
 #include "db/RecordSet.h"
 
-#include <QSignalSpy>
 #include <QSqlQuery>
 #include <QtTest>
 
@@ -15,6 +14,11 @@ QString cell(const ItemListModel& m, int row, int column)
 {
     return m.data(m.index(row, column)).toString();
 }
+
+// A view sorted on a column, the titles it then shows first and its row count.
+// clang-format off
+struct Sort { QString source; int column; Qt::SortOrder order; QStringList firstTitles; int rows; };
+// clang-format on
 
 // Waits for a sort or search handed to the worker.
 bool settle(ItemListModel& m)
@@ -95,33 +99,20 @@ private slots:
 
     void sorts_data()
     {
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<int>("column");
-        QTest::addColumn<Qt::SortOrder>("order");
-        QTest::addColumn<QStringList>("firstTitles");
-        QTest::addColumn<int>("rows");
+        QTest::addColumn<Sort>("row");
         const QString all = ItemSql::kAllView;
-        QTest::newRow("title up") << all << int(ItemListModel::Title) << Qt::AscendingOrder
-                                  << QStringList{"Box [new] 50*", "Item 1", "Item 10", "Item 100"}
-                                  << 304;
-        QTest::newRow("title down")
-            << all << int(ItemListModel::Title) << Qt::DescendingOrder
-            << QStringList{QString::fromUtf8("Ölgemälde, gerahmt"), "Vase", "Lamp", "Item 99"}
-            << 304;
-        QTest::newRow("ID down, inactive view")
-            << QString(ItemSql::kInactiveView) << int(ItemListModel::Id) << Qt::DescendingOrder
-            << QStringList{"Lamp", "Item 300", "Item 297"} << 101;
-        QTest::newRow("buyer down, ties by ID")
-            << all << int(ItemListModel::Buyer) << Qt::DescendingOrder
-            << QStringList{"Vase", "Box [new] 50*", "Lamp"} << 304;
+        const int title = ItemListModel::Title;
+        // clang-format off
+        QTest::newRow("title up") << Sort{all, title, Qt::AscendingOrder, {"Box [new] 50*", "Item 1", "Item 10", "Item 100"}, 304};
+        QTest::newRow("title down") << Sort{all, title, Qt::DescendingOrder, {"Ölgemälde, gerahmt", "Vase", "Lamp", "Item 99"}, 304};
+        QTest::newRow("ID down, inactive view") << Sort{ItemSql::kInactiveView, ItemListModel::Id, Qt::DescendingOrder, {"Lamp", "Item 300", "Item 297"}, 101};
+        QTest::newRow("buyer down, ties by ID") << Sort{all, ItemListModel::Buyer, Qt::DescendingOrder, {"Vase", "Box [new] 50*", "Lamp"}, 304};
+        // clang-format on
     }
     void sorts()
     {
-        QFETCH(QString, source);
-        QFETCH(int, column);
-        QFETCH(Qt::SortOrder, order);
-        QFETCH(QStringList, firstTitles);
-        QFETCH(int, rows);
+        QFETCH(Sort, row);
+        const auto& [source, column, order, firstTitles, rows] = row;
         open(source);
         const QList<qint64> viewKeys = m_records->keys();
         m_model->sort(column, order);
@@ -143,26 +134,22 @@ private slots:
         QTest::addColumn<QString>("source");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QStringList>("titles");
-        const QString all = ItemSql::kAllView;
-        QTest::newRow("non-ASCII title, other case")
-            << all << QString::fromUtf8("ölGEMÄ") << QStringList{"Ölgemälde, gerahmt"};
-        QTest::newRow("description text") << all << QString::fromUtf8("été") << QStringList{"Lamp"};
-        QTest::newRow("buyer e-mail") << all << "EXAMPLE.ORG" << QStringList{"Vase"};
-        QTest::newRow("buyer name") << all << "ann s" << QStringList{"Vase"};
-        QTest::newRow("eBay number") << all << "4567" << QStringList{"Box [new] 50*"};
-        QTest::newRow("pattern characters are literal")
-            << all << "[new] 50*" << QStringList{"Box [new] 50*"};
-        QTest::newRow("star alone matches only a star")
-            << all << "*" << QStringList{"Box [new] 50*"};
-        QTest::newRow("in view order")
-            << all << "item 29"
-            << QStringList{"Item 29",  "Item 290", "Item 291", "Item 292", "Item 293", "Item 294",
-                           "Item 295", "Item 296", "Item 297", "Item 298", "Item 299"};
-        QTest::newRow("only the view's rows")
-            << QString(ItemSql::kActiveView) << "item 29"
-            << QStringList{"Item 29",  "Item 290", "Item 292", "Item 293",
-                           "Item 295", "Item 296", "Item 298", "Item 299"};
-        QTest::newRow("nothing") << all << "zebra" << QStringList{};
+        const QString all = ItemSql::kAllView, active = ItemSql::kActiveView;
+        const QString box = QStringLiteral("Box [new] 50*");
+        // clang-format off
+        QTest::newRow("non-ASCII title, other case") << all << QString::fromUtf8("ölGEMÄ") << QStringList{"Ölgemälde, gerahmt"};
+        QTest::newRow("description text")  << all << QString::fromUtf8("été") << QStringList{"Lamp"};
+        QTest::newRow("buyer e-mail")      << all << "EXAMPLE.ORG" << QStringList{"Vase"};
+        QTest::newRow("buyer name")        << all << "ann s"       << QStringList{"Vase"};
+        QTest::newRow("eBay number")       << all << "4567"        << QStringList{box};
+        QTest::newRow("pattern characters are literal") << all << "[new] 50*" << QStringList{box};
+        QTest::newRow("star alone matches only a star") << all << "*" << QStringList{box};
+        QTest::newRow("in view order")     << all << "item 29"
+            << QStringList{"Item 29", "Item 290", "Item 291", "Item 292", "Item 293", "Item 294", "Item 295", "Item 296", "Item 297", "Item 298", "Item 299"};
+        QTest::newRow("only the view's rows") << active << "item 29"
+            << QStringList{"Item 29", "Item 290", "Item 292", "Item 293", "Item 295", "Item 296", "Item 298", "Item 299"};
+        QTest::newRow("nothing")           << all << "zebra" << QStringList{};
+        // clang-format on
     }
     void searches()
     {

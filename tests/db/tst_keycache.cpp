@@ -6,8 +6,6 @@
 #include <QSqlQuery>
 #include <QtTest>
 #include <cstdio>
-#include <limits>
-#include <memory>
 #include <numeric>
 
 namespace {
@@ -83,31 +81,28 @@ private slots:
         QSqlDatabase db = m_env->context().itemDatabase;
         QVERIFY(KeyCache::save(keptFile(), *KeyCache::stateOf(databaseFile()), kSql, kForged));
         QFile kept(keptFile());
-        if (change == QLatin1String("insert") || change == QLatin1String("unsettled")) {
+        if (change == u"insert" || change == u"unsettled") {
             QVERIFY(QSqlQuery(db).exec(QStringLiteral("INSERT INTO Items DEFAULT VALUES")));
-            if (change == QLatin1String("insert"))
+            if (change == u"insert")
                 settle();
-        } else if (change == QLatin1String("copy")) {
+        } else if (change == u"copy") {
             const QString copy = databaseFile() + QLatin1String(".copy");
             db.close();
             QVERIFY(QFile::copy(databaseFile(), copy));
             QVERIFY(std::rename(QFile::encodeName(copy).constData(),
                                 QFile::encodeName(databaseFile()).constData()) == 0);
             QVERIFY(db.open());
-        } else if (change == QLatin1String("damage") || change == QLatin1String("truncate") ||
-                   change == QLatin1String("empty")) {
+        } else if (change == u"damage" || change == u"truncate" || change == u"empty") {
             QVERIFY(kept.open(QIODevice::ReadWrite));
             QByteArray content = kept.readAll();
-            if (change == QLatin1String("damage"))
+            if (change == u"damage")
                 content[content.size() / 2] = char(content.at(content.size() / 2) ^ 0x10);
             else
-                content.chop(change == QLatin1String("empty") ? content.size() : 3);
-            QVERIFY(kept.resize(0));
-            kept.seek(0);
-            kept.write(content);
+                content.chop(change == u"empty" ? content.size() : 3);
+            QVERIFY(kept.resize(0) && kept.seek(0) && kept.write(content) == content.size());
             kept.close();
         }
-        const QString asked = change == QLatin1String("statement") ? kSql + u' ' : kSql;
+        const QString asked = change == u"statement" ? kSql + u' ' : kSql;
         const bool used = KeyCache::load(keptFile(), databaseFile(), asked) == kForged;
         QTEST(used, "used");
 

@@ -45,6 +45,11 @@ void run(RecordSet& rs, const QString& operations)
     for (const QChar op : operations)
         ops.value(op)();
 }
+// A find from the place the moves (as in run()) lead to, FindNext or else FindFirst, and where
+// it leaves the record set.
+// clang-format off
+struct Find { QString source, moves; bool next; QString criteria, expected; };
+// clang-format on
 } // namespace
 
 class TestRecordSet : public QObject
@@ -189,42 +194,35 @@ private slots:
     // could part from walking the list.
     void finds_data()
     {
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<QString>("moves"); // as in run(), before the find
-        QTest::addColumn<bool>("next");     // FindNext, else FindFirst
-        QTest::addColumn<QString>("criteria");
-        QTest::addColumn<QString>("expected");
+        QTest::addColumn<Find>("find");
         const QString all = ItemSql::kAllView, active = ItemSql::kActiveView;
         const QString beanie = "(([ShortDescription] LIKE \"*beanie*\") OR ([Description] LIKE "
                                "\"*beanie*\")) ";
-        const auto row = [](const char* name, const QString& source, const char* moves, bool next,
-                            const QString& criteria, const char* expected) {
-            QTest::newRow(name) << source << QString::fromLatin1(moves) << next << criteria
-                                << QString::fromUtf8(expected);
-        };
-        row("first match", all, "L", false, beanie, "Beanie Bear");
-        row("next past the current", all, "", true, beanie, "beanie baby");
-        row("description only", all, "NNN", true, beanie, "Teapot");
-        row("match before the current", all, "L", true, beanie, "Ünïcode (no match)");
-        row("from a deleted row", all, "NNX", true, "ShortDescription LIKE '*baby'", "beanie baby");
-        row("non-ASCII letter case", all, "", false, "ShortDescription LIKE '*CAFÉ*'", "Café Sign");
-        row("date literal", all, "", false, "DateAuctionEnds = #6/8/1999 10:00:00 AM#",
-            "Café Sign");
-        row("digit wildcard", all, "", false, "EbayID LIKE '1##'", "Teapot");
-        row("view in key order", active, "", true, beanie, "Teapot");
-        row("another view's row", active, "", false, "ShortDescription = 'beanie baby'",
-            "Beanie Bear (no match)");
-        row("quote typed into a box", all, "L", false, "EbayID LIKE '' OR '1'='1' ", "Beanie Bear");
-        row("union", all, "", false, "ID = 1 UNION SELECT 6", "Beanie Bear (no match)");
-        row("empty view", "SELECT * FROM Items WHERE ID < 0 ORDER BY ID", "", false, beanie,
-            "BE (no match)");
+        const auto row = [](const char* name, const Find& find) { QTest::newRow(name) << find; };
+        row("first match", {all, "L", false, beanie, "Beanie Bear"});
+        row("next past the current", {all, "", true, beanie, "beanie baby"});
+        row("description only", {all, "NNN", true, beanie, "Teapot"});
+        row("match before the current", {all, "L", true, beanie, "Ünïcode (no match)"});
+        row("from a deleted row",
+            {all, "NNX", true, "ShortDescription LIKE '*baby'", "beanie baby"});
+        row("non-ASCII letter case",
+            {all, "", false, "ShortDescription LIKE '*CAFÉ*'", "Café Sign"});
+        row("date literal",
+            {all, "", false, "DateAuctionEnds = #6/8/1999 10:00:00 AM#", "Café Sign"});
+        row("digit wildcard", {all, "", false, "EbayID LIKE '1##'", "Teapot"});
+        row("view in key order", {active, "", true, beanie, "Teapot"});
+        row("another view's row",
+            {active, "", false, "ShortDescription = 'beanie baby'", "Beanie Bear (no match)"});
+        row("quote typed into a box",
+            {all, "L", false, "EbayID LIKE '' OR '1'='1' ", "Beanie Bear"});
+        row("union", {all, "", false, "ID = 1 UNION SELECT 6", "Beanie Bear (no match)"});
+        row("empty view",
+            {"SELECT * FROM Items WHERE ID < 0 ORDER BY ID", "", false, beanie, "BE (no match)"});
     }
     void finds()
     {
-        QFETCH(QString, source);
-        QFETCH(QString, moves);
-        QFETCH(bool, next);
-        QFETCH(QString, criteria);
+        QFETCH(Find, find);
+        const auto& [source, moves, next, criteria, expected] = find;
         const auto item = [](const char* title, const char* description, int active,
                              const char* ends = nullptr, const char* ebayId = nullptr) {
             QVariantMap m{{"ShortDescription", QString::fromUtf8(title)},
@@ -243,11 +241,8 @@ private slots:
                          item("Ünïcode", "", 1)});
         auto rs = open(source);
         run(*rs, moves);
-        if (next)
-            rs->findNext(criteria);
-        else
-            rs->findFirst(criteria);
-        QTEST(where(*rs), "expected");
+        next ? rs->findNext(criteria) : rs->findFirst(criteria);
+        QCOMPARE(where(*rs), expected);
     }
 
     // A row added behind the list's back is not one of its rows: the search goes on past it.

@@ -2,6 +2,7 @@
 // into the open connection, the files a restore refuses, and a backup taken while another
 // connection keeps writing.
 #include "../support/TestEnvironment.h"
+#include "FileBytes.h"
 #include "platform/DatabaseBackup.h"
 
 #include <QSqlError>
@@ -11,28 +12,17 @@
 #include <sqlite3.h>
 #include <thread>
 
+using namespace Qt::StringLiterals;
+
 namespace {
-
-QByteArray readAll(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-void writeAll(const QString& path, const QByteArray& bytes)
-{
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(bytes);
-}
 
 // Items with descriptions long enough to spread them over a few hundred pages.
 void addLongItems(TestEnvironment& env, int n)
 {
     QList<QVariantMap> rows;
     for (int i = 1; i <= n; ++i)
-        rows << QVariantMap{{QStringLiteral("ShortDescription"), QStringLiteral("Item %1").arg(i)},
-                            {QStringLiteral("Description"), QString(1000, QChar(u'a' + i % 26))}};
+        rows << QVariantMap{{u"ShortDescription"_s, u"Item %1"_s.arg(i)},
+                            {u"Description"_s, QString(1000, QChar(u'a' + i % 26))}};
     env.addItems(rows);
 }
 
@@ -40,10 +30,10 @@ void addLongItems(TestEnvironment& env, int n)
 // of the last one. A statement that fails fails the test.
 QVariant sqlIn(const QString& file, const QStringList& statements)
 {
-    const QString name = QStringLiteral("peek");
+    const QString name = u"peek"_s;
     QVariant v;
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
         db.setDatabaseName(file);
         db.open();
         QSqlQuery q(db);
@@ -88,15 +78,16 @@ void TestDatabaseBackup::backup()
     TestEnvironment env;
     addLongItems(env, 300);
     QTemporaryDir out;
-    const QString target = out.filePath(QStringLiteral("copy.mdb"));
-    const bool taken = failure == QLatin1String("taken");
+    const QString target = out.filePath(u"copy.mdb"_s);
+    const bool taken = failure == u"taken";
     if (taken) // renaming the finished copy over it fails
         QVERIFY(QDir().mkpath(target));
-    writeAll(taken ? target + QStringLiteral("/keep") : target, "an older copy");
-    QString source = env.path(QStringLiteral("tb2.mdb"));
-    if (failure == QLatin1String("source"))
-        source = env.path(QStringLiteral("gone.mdb"));
-    if (failure == QLatin1String("folder")) {
+    const QString older = taken ? target + u"/keep"_s : target;
+    QVERIFY(writeBytes(older, "an older copy"));
+    QString source = env.path(u"tb2.mdb"_s);
+    if (failure == u"source")
+        source = env.path(u"gone.mdb"_s);
+    if (failure == u"folder") {
         if (::geteuid() == 0)
             QSKIP("root writes in any folder");
         QFile::setPermissions(out.path(), QFile::ReadOwner | QFile::ExeOwner);
@@ -106,28 +97,27 @@ void TestDatabaseBackup::backup()
         source, target,
         [&](int done, int total) {
             ++reports;
-            return done <= total && failure != QLatin1String("cancel");
+            return done <= total && failure != u"cancel";
         },
         20);
     QFile::setPermissions(out.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    QCOMPARE(outcome.cancelled, failure == QLatin1String("cancel"));
+    QCOMPARE(outcome.cancelled, failure == u"cancel");
     QCOMPARE(outcome.error.isEmpty(), failure.isEmpty() || outcome.cancelled);
     QCOMPARE(QDir(out.path()).entryList(QDir::Files | QDir::Hidden),
-             taken ? QStringList() : QStringList{QStringLiteral("copy.mdb")});
+             taken ? QStringList() : QStringList{u"copy.mdb"_s});
     if (!failure.isEmpty()) {
-        QCOMPARE(readAll(taken ? target + QStringLiteral("/keep") : target),
-                 QByteArray("an older copy"));
+        QCOMPARE(readBytes(older), QByteArray("an older copy"));
         return;
     }
     QVERIFY(reports > 5); // stepped in chunks, not in one go
     // One self-contained file: rollback journal, no write-ahead log to go with it.
-    const QByteArray header = readAll(target).left(20);
+    const QByteArray header = readBytes(target).left(20);
     QCOMPARE(header.left(15), QByteArray("SQLite format 3"));
     QCOMPARE(int(header.at(18)), 1);
     const BackupCheck check = checkBackupFile(target, itemColumns(env.context().itemDatabase));
     QVERIFY2(check.ok(), qPrintable(check.problem));
     QCOMPARE(check.itemCount, 300);
-    QCOMPARE(sqlIn(target, {QStringLiteral("SELECT Description FROM Items WHERE ID = 7")}),
+    QCOMPARE(sqlIn(target, {u"SELECT Description FROM Items WHERE ID = 7"_s}),
              QVariant(QString(1000, u'h')));
 }
 
@@ -157,35 +147,35 @@ void TestDatabaseBackup::restore()
     TestEnvironment env;
     addLongItems(env, 200);
     QTemporaryDir out;
-    QString file = out.filePath(QStringLiteral("candidate.mdb"));
-    const bool restored = kind == QLatin1String("restored");
-    if (kind == QLatin1String("damaged") || kind == QLatin1String("cancel") || restored)
-        QVERIFY(backupDatabaseFile(env.path(QStringLiteral("tb2.mdb")), file).ok());
-    if (kind == QLatin1String("damaged")) {
-        QByteArray bytes = readAll(file);
+    QString file = out.filePath(u"candidate.mdb"_s);
+    const bool restored = kind == u"restored";
+    if (kind == u"damaged" || kind == u"cancel" || restored)
+        QVERIFY(backupDatabaseFile(env.path(u"tb2.mdb"_s), file).ok());
+    if (kind == u"damaged") {
+        QByteArray bytes = readBytes(file);
         // Garbage over the middle pages, where the items' b-tree lies.
         for (qsizetype i = bytes.size() / 3; i < bytes.size() / 2; i += 7)
             bytes[i] = char(0xA5);
-        writeAll(file, bytes);
-    } else if (kind == QLatin1String("cancel") || restored) { // three items of the 200
-        sqlIn(file, {QStringLiteral("DELETE FROM Items WHERE ID > 3")});
+        QVERIFY(writeBytes(file, bytes));
+    } else if (kind == u"cancel" || restored) { // three items of the 200
+        sqlIn(file, {u"DELETE FROM Items WHERE ID > 3"_s});
         if (restored) // the live items go on past the backup's
             env.addNumberedItems(3);
-    } else if (kind == QLatin1String("text")) {
-        writeAll(file, QByteArray("ID,EbayID\n1,2\n").repeated(100));
-    } else if (kind == QLatin1String("view")) {
-        sqlIn(file, {QStringLiteral("CREATE TABLE Stock (ID INTEGER PRIMARY KEY)"),
-                     QStringLiteral("CREATE VIEW Items AS SELECT * FROM Stock")});
-    } else if (kind == QLatin1String("column")) {
-        sqlIn(file, {QStringLiteral("CREATE TABLE Items (ID INTEGER PRIMARY KEY, EbayID TEXT)")});
-    } else if (kind == QLatin1String("live")) {
-        file = env.path(QStringLiteral("tb2.mdb"));
+    } else if (kind == u"text") {
+        QVERIFY(writeBytes(file, QByteArray("ID,EbayID\n1,2\n").repeated(100)));
+    } else if (kind == u"view") {
+        sqlIn(file, {u"CREATE TABLE Stock (ID INTEGER PRIMARY KEY)"_s,
+                     u"CREATE VIEW Items AS SELECT * FROM Stock"_s});
+    } else if (kind == u"column") {
+        sqlIn(file, {u"CREATE TABLE Items (ID INTEGER PRIMARY KEY, EbayID TEXT)"_s});
+    } else if (kind == u"live") {
+        file = env.path(u"tb2.mdb"_s);
     }
     int steps = 0;
     QSqlDatabase live = env.context().itemDatabase;
     const BackupOutcome outcome = restoreDatabaseFrom(
         live, file, [&](int, int) { return ++steps < 3 || restored; }, 4);
-    QCOMPARE(outcome.cancelled, kind == QLatin1String("cancel"));
+    QCOMPARE(outcome.cancelled, kind == u"cancel");
     if (restored) {
         QVERIFY2(outcome.ok(), qPrintable(outcome.error));
         QVERIFY(steps > 3);
@@ -193,14 +183,12 @@ void TestDatabaseBackup::restore()
         // connection opened afterwards.
         QCOMPARE(env.itemCount(), 3);
         QSqlQuery q(live);
-        QVERIFY(q.exec(QStringLiteral("INSERT INTO Items (ShortDescription) VALUES ('after')")));
+        QVERIFY(q.exec(u"INSERT INTO Items (ShortDescription) VALUES ('after')"_s));
         QCOMPARE(q.lastInsertId().toLongLong(), 201);
-        QVERIFY(q.exec(QStringLiteral("PRAGMA integrity_check")) && q.next());
-        QCOMPARE(q.value(0).toString(), QStringLiteral("ok"));
+        QVERIFY(q.exec(u"PRAGMA integrity_check"_s) && q.next());
+        QCOMPARE(q.value(0).toString(), u"ok"_s);
         q.finish();
-        QCOMPARE(sqlIn(env.path(QStringLiteral("tb2.mdb")),
-                       {QStringLiteral("SELECT count(*) FROM Items")}),
-                 QVariant(4));
+        QCOMPARE(sqlIn(env.path(u"tb2.mdb"_s), {u"SELECT count(*) FROM Items"_s}), QVariant(4));
         return;
     }
     QCOMPARE(steps, outcome.cancelled ? 3 : 0); // a refused file is never copied
@@ -209,8 +197,7 @@ void TestDatabaseBackup::restore()
                                       outcome.error.contains(file),
              qPrintable(outcome.error));
     QCOMPARE(env.itemCount(), 200);
-    QCOMPARE(env.storedValue(200, QStringLiteral("ShortDescription")).toString(),
-             QStringLiteral("Item 200"));
+    QCOMPARE(env.storedValue(200, u"ShortDescription"_s).toString(), u"Item 200"_s);
 }
 
 // A second connection commits pairs of items and moves an amount between two rows in each
@@ -221,8 +208,8 @@ void TestDatabaseBackup::backupWhileWriting()
     TestEnvironment env;
     addLongItems(env, 600);
     QVERIFY(QSqlQuery(env.context().itemDatabase)
-                .exec(QStringLiteral("UPDATE Items SET Reserve = 0 WHERE ID IN (1, 2)")));
-    const QString database = env.path(QStringLiteral("tb2.mdb"));
+                .exec(u"UPDATE Items SET Reserve = 0 WHERE ID IN (1, 2)"_s));
+    const QString database = env.path(u"tb2.mdb"_s);
     std::atomic<bool> stop{false};
     std::atomic<int> commits{0};
     std::atomic<int> failures{0};
@@ -254,7 +241,7 @@ void TestDatabaseBackup::backupWhileWriting()
         QThread::msleep(1);
 
     QTemporaryDir out;
-    const QString file = out.filePath(QStringLiteral("during.mdb"));
+    const QString file = out.filePath(u"during.mdb"_s);
     int first = -1;
     int last = -1;
     const BackupOutcome outcome = backupDatabaseFile(

@@ -1,11 +1,11 @@
 // Camera pictures read upright and copied for the web: real JPEGs with EXIF orientation tags,
 // PNG, GIF and (where the plugin is installed) WebP files written to disk and read back.
 #include "../support/CameraPicture.h"
+#include "FileBytes.h"
 #include "platform/PictureTools.h"
 
 #include <QImageReader>
 #include <QImageWriter>
-#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace PictureTools;
@@ -30,20 +30,13 @@ QString quarterColours(const QImage& image)
 // code before every two pixels, so its codes stay three bits wide.
 QByteArray oneColourGif(int width, int height)
 {
-    QByteArray gif("GIF89a");
-    const auto le16 = [&gif](int v) {
-        gif.append(char(v & 0xff));
-        gif.append(char(v >> 8));
+    const auto le16 = [](int v) -> QByteArray {
+        return QByteArray(1, char(v & 0xff)) + char(v >> 8);
     };
-    le16(width);
-    le16(height);
-    gif.append("\x80\x00\x00", 3);             // a two-entry colour table follows
-    gif.append("\xff\x00\x00\xff\xff\xff", 6); // red, white
-    gif.append(',');                           // the one image, at 0,0
-    for (const int v : {0, 0, width, height})
-        le16(v);
-    gif.append('\0');
-    gif.append('\x02'); // smallest code size
+    const QByteArray size = le16(width) + le16(height);
+    // Two colours (red, white), then the one image at 0,0 with the smallest code size.
+    QByteArray gif = "GIF89a" + size + QByteArray("\x80\0\0\xff\0\0\xff\xff\xff,\0\0\0\0", 14) +
+                     size + QByteArray("\0\x02", 2);
     QByteArray data;
     quint32 bits = 0;
     int held = 0;
@@ -60,21 +53,15 @@ QByteArray oneColourGif(int width, int height)
     code(5); // end of information
     if (held > 0)
         data.append(char(bits & 0xff));
-    for (qsizetype at = 0; at < data.size(); at += 255) {
-        const QByteArray block = data.mid(at, 255);
-        gif.append(char(block.size()));
-        gif.append(block);
-    }
-    gif.append('\0');
-    gif.append(';');
-    return gif;
+    for (qsizetype at = 0; at < data.size(); at += 255)
+        gif += char(qMin<qsizetype>(255, data.size() - at)) + data.mid(at, 255);
+    return gif + QByteArray("\0;", 2);
 }
 
-QByteArray bytesOf(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
+// A file sent to the web (orientation 0: no EXIF block), what comes of it and the copy's size.
+// clang-format off
+struct WebCase { QString name; QSize stored; int orientation; Outcome outcome; QSize sent; };
+// clang-format on
 
 } // namespace
 
@@ -141,37 +128,29 @@ private slots:
     {
         QFETCH(QSize, size);
         QFETCH(QSize, bound);
-        QFETCH(QSize, fitted);
-        QCOMPARE(fittedSize(size, bound), fitted);
+        QTEST(fittedSize(size, bound), "fitted");
     }
 
     // What goes to the web for each kind of file. The source is never touched; a copy is
     // written only when one is needed and possible, in the source's own format.
     void webCopy_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QSize>("stored");
-        QTest::addColumn<int>("orientation"); // 0: no EXIF block
-        QTest::addColumn<int>("outcome");
-        QTest::addColumn<QSize>("sent");
+        QTest::addColumn<WebCase>("row");
         // clang-format off
-        QTest::newRow("large photo")     << "a.jpg"  << QSize(3200, 2400) << 0 << int(Outcome::Written)    << QSize(1600, 1200);
-        QTest::newRow("large, on side")  << "b.jpg"  << QSize(3200, 2400) << 6 << int(Outcome::Written)    << QSize(1200, 1600);
-        QTest::newRow("small, on side")  << "c.jpg"  << QSize(300, 200)   << 8 << int(Outcome::Written)    << QSize(200, 300);
-        QTest::newRow("small, upright")  << "d.jpg"  << QSize(300, 200)   << 1 << int(Outcome::AsItIs)     << QSize();
-        QTest::newRow("large png")       << "e.png"  << QSize(2000, 500)  << 0 << int(Outcome::Written)    << QSize(1600, 400);
-        QTest::newRow("large gif")       << "f.gif"  << QSize(2000, 4)    << 0 << int(Outcome::Failed)     << QSize();
-        QTest::newRow("large webp")      << "g.webp" << QSize(2000, 500)  << 0 << int(Outcome::Written)    << QSize(1600, 400);
-        QTest::newRow("not a picture")   << "h.jpg"  << QSize()           << 0 << int(Outcome::Unreadable) << QSize();
+        QTest::newRow("large photo")     << WebCase{"a.jpg",  {3200, 2400}, 0, Outcome::Written,    {1600, 1200}};
+        QTest::newRow("large, on side")  << WebCase{"b.jpg",  {3200, 2400}, 6, Outcome::Written,    {1200, 1600}};
+        QTest::newRow("small, on side")  << WebCase{"c.jpg",  {300, 200},   8, Outcome::Written,    {200, 300}};
+        QTest::newRow("small, upright")  << WebCase{"d.jpg",  {300, 200},   1, Outcome::AsItIs,     {}};
+        QTest::newRow("large png")       << WebCase{"e.png",  {2000, 500},  0, Outcome::Written,    {1600, 400}};
+        QTest::newRow("large gif")       << WebCase{"f.gif",  {2000, 4},    0, Outcome::Failed,     {}};
+        QTest::newRow("large webp")      << WebCase{"g.webp", {2000, 500},  0, Outcome::Written,    {1600, 400}};
+        QTest::newRow("not a picture")   << WebCase{"h.jpg",  {},           0, Outcome::Unreadable, {}};
         // clang-format on
     }
     void webCopy()
     {
-        QFETCH(QString, name);
-        QFETCH(QSize, stored);
-        QFETCH(int, orientation);
-        QFETCH(int, outcome);
-        QFETCH(QSize, sent);
+        QFETCH(WebCase, row);
+        const auto& [name, stored, orientation, outcome, sent] = row;
         const QByteArray format = QFileInfo(name).suffix().toLatin1();
         if (format == "webp" && !QImageWriter::supportedImageFormats().contains("webp"))
             QSKIP("the WebP image plugin is not installed");
@@ -190,12 +169,12 @@ private slots:
                         .save(source, format.constData()));
         else
             QVERIFY(CameraPicture::writeFile(source, "not a picture at all"));
-        const QByteArray before = bytesOf(source);
+        const QByteArray before = readBytes(source);
 
         const QString copy = path(QStringLiteral("web-") + name);
         const WebCopy result = makeWebCopy(source, copy, WebCopyOptions{1600, 85});
-        QCOMPARE(int(result.outcome), outcome);
-        QCOMPARE(bytesOf(source), before);
+        QCOMPARE(int(result.outcome), int(outcome));
+        QCOMPARE(readBytes(source), before);
         QCOMPARE(QFile::exists(copy), sent.isValid());
         if (!sent.isValid())
             return;

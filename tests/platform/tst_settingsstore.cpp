@@ -1,7 +1,6 @@
+#include "FileBytes.h"
 #include "platform/SettingsStore.h"
 
-#include <QDir>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <sys/stat.h>
@@ -10,6 +9,14 @@ using namespace Qt::StringLiterals;
 
 static const QString kApp = QStringLiteral("Tallybid");
 static const QString kOptions = QStringLiteral("Options");
+
+namespace {
+// A file written elsewhere, one value read from it, and the file once "Other" is saved under
+// "Options".
+// clang-format off
+struct Foreign { QByteArray file; QString section, key, value; QByteArray saved; };
+// clang-format on
+} // namespace
 
 class TestSettingsStore : public QObject
 {
@@ -58,13 +65,12 @@ private slots:
         store.save("Pulsewatch", kOptions, "ToolBar", "/b");
         QCOMPARE(store.get(kApp, "options", "Toolbar"), "True");
         // The spelling first written is kept, once; other applications have files of their own.
-        QFile file(store.filePath(kApp));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), "[Options]\nToolBar=True\n\n[System]\nSound=False\n\n");
+        QCOMPARE(readBytes(store.filePath(kApp)),
+                 "[Options]\nToolBar=True\n\n[System]\nSound=False\n\n");
         // Every save replaced the file whole: no temporary files are left beside it.
         QCOMPARE(QDir(store.folder()).entryList(QDir::Files | QDir::Hidden, QDir::Name),
                  (QStringList{"Pulsewatch.ini", "Tallybid.ini"}));
-        SettingsStore blocked(file.fileName()); // the folder is a file: nothing can be written
+        SettingsStore blocked(store.filePath(kApp)); // the folder is a file: nothing can be written
         QVERIFY(!blocked.save(kApp, kOptions, "Key", "kept"));
         QCOMPARE(blocked.get(kApp, kOptions, "Key"), "kept");
     }
@@ -72,11 +78,11 @@ private slots:
     void damagedFileStillReads()
     {
         QTemporaryDir dir;
-        if (QFile file(SettingsStore(dir.path()).filePath(kApp)); file.open(QIODevice::WriteOnly))
-            file.write(
-                "Orphan=before any section\n\x01\x02 garbage \xff\xfe\n[Options]\n=no key\n"
-                "no equals sign\nMailServer = smtp.example.com\n[\n[System]\nItemsViewed=Open\n"
-                "[options]\nImageLoc=shop/\nHalf=");
+        QVERIFY(writeBytes(
+            SettingsStore(dir.path()).filePath(kApp),
+            "Orphan=before any section\n\x01\x02 garbage \xff\xfe\n[Options]\n=no key\n"
+            "no equals sign\nMailServer = smtp.example.com\n[\n[System]\nItemsViewed=Open\n"
+            "[options]\nImageLoc=shop/\nHalf="));
         // Read it, save over it, and read the rewritten file: what could be read is kept.
         for (int pass = 0; pass < 2; ++pass) {
             SettingsStore s(dir.path());
@@ -93,48 +99,39 @@ private slots:
     // CR LF. What is read stays where it was read, byte for byte, through an unrelated save.
     void foreignFilesRoundTrip_data()
     {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QString>("section");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QByteArray>("saved"); // after "Other" is saved under "Options"
+        QTest::addColumn<Foreign>("row");
         // clang-format off
-        QTest::newRow("Latin-1 password") << QByteArray("[Options]\r\nFTPPassword=p\xe4ss\r\n")
-            << "Options" << "FTPPassword" << u"p\u00e4ss"_s << QByteArray("[Options]\nFTPPassword=p\xe4ss\nOther=1\n\n");
-        QTest::newRow("Windows-1252 only") << QByteArray("[Options]\nPayMsg=\x80 5, \x93quoted\x94 \x81\x9d\\n\n")
-            << "Options" << "PayMsg" << u"\u20ac 5, \u201cquoted\u201d \u0081\u009d\n"_s
-            << QByteArray("[Options]\nPayMsg=\x80 5, \x93quoted\x94 \x81\x9d\\n\nOther=1\n\n");
-        QTest::newRow("8-bit names") << QByteArray("[Opci\xf3n]\nCl\xe1ve = \" v \"\n")
-            << u"Opci\u00f3n"_s << u"Cl\u00e1ve"_s << " v "
-            << QByteArray("[Opci\xf3n]\nCl\xe1ve=\" v \"\n\n[Options]\nOther=1\n\n");
-        QTest::newRow("lone CR in a section name") << QByteArray("[System]\nItemsViewed=Open\n[Optio\rns]\nImageLoc=shop/\n")
-            << "System" << "ImageLoc" << "shop/" << QByteArray("[System]\nItemsViewed=Open\nImageLoc=shop/\n\n[Options]\nOther=1\n\n");
-        QTest::newRow("CR line ends") << QByteArray("[Options]\rNote=a\\rb\rOther=0\r")
-            << "Options" << "Note" << "a\rb" << QByteArray("[Options]\nNote=a\\rb\nOther=1\n\n");
-        QTest::newRow("mixed line ends") << QByteArray("[System]\r\n\rItemsViewed=Closed\n\r\n[Options]\rA=1")
-            << "System" << "ItemsViewed" << "Closed" << QByteArray("[System]\nItemsViewed=Closed\n\n[Options]\nA=1\nOther=1\n\n");
+        QTest::newRow("Latin-1 password") << Foreign{"[Options]\r\nFTPPassword=p\xe4ss\r\n",
+            "Options", "FTPPassword", u"p\u00e4ss"_s, "[Options]\nFTPPassword=p\xe4ss\nOther=1\n\n"};
+        QTest::newRow("Windows-1252 only") << Foreign{"[Options]\nPayMsg=\x80 5, \x93quoted\x94 \x81\x9d\\n\n",
+            "Options", "PayMsg", u"\u20ac 5, \u201cquoted\u201d \u0081\u009d\n"_s,
+            "[Options]\nPayMsg=\x80 5, \x93quoted\x94 \x81\x9d\\n\nOther=1\n\n"};
+        QTest::newRow("8-bit names") << Foreign{"[Opci\xf3n]\nCl\xe1ve = \" v \"\n",
+            u"Opci\u00f3n"_s, u"Cl\u00e1ve"_s, " v ", "[Opci\xf3n]\nCl\xe1ve=\" v \"\n\n[Options]\nOther=1\n\n"};
+        QTest::newRow("lone CR in a section name") << Foreign{"[System]\nItemsViewed=Open\n[Optio\rns]\nImageLoc=shop/\n",
+            "System", "ImageLoc", "shop/", "[System]\nItemsViewed=Open\nImageLoc=shop/\n\n[Options]\nOther=1\n\n"};
+        QTest::newRow("CR line ends") << Foreign{"[Options]\rNote=a\\rb\rOther=0\r",
+            "Options", "Note", "a\rb", "[Options]\nNote=a\\rb\nOther=1\n\n"};
+        QTest::newRow("mixed line ends") << Foreign{"[System]\r\n\rItemsViewed=Closed\n\r\n[Options]\rA=1",
+            "System", "ItemsViewed", "Closed", "[System]\nItemsViewed=Closed\n\n[Options]\nA=1\nOther=1\n\n"};
         // clang-format on
     }
     void foreignFilesRoundTrip()
     {
-        QFETCH(QByteArray, file);
-        QFETCH(QString, section);
-        QFETCH(QString, key);
-        QFETCH(QString, value);
-        QFETCH(QByteArray, saved);
+        QFETCH(Foreign, row);
+        const auto& [file, section, key, value, saved] = row;
         QTemporaryDir dir;
         const QString path = SettingsStore(dir.path()).filePath(kApp);
-        if (QFile out(path); out.open(QIODevice::WriteOnly))
-            out.write(file);
+        QVERIFY(writeBytes(path, file));
 
         SettingsStore store(dir.path());
         QCOMPARE(store.get(kApp, section, key, "absent"), value);
         QVERIFY(store.save(kApp, kOptions, "Other", "1"));
-        QCOMPARE(readAll(path), saved);
+        QCOMPARE(readBytes(path), saved);
         QCOMPARE(SettingsStore(dir.path()).get(kApp, section, key, "absent"), value);
         // Saving the same value again keeps its bytes; a changed one reads back as it was saved.
         QVERIFY(store.save(kApp, section, key, value));
-        QCOMPARE(readAll(path), saved);
+        QCOMPARE(readBytes(path), saved);
         for (const QString& changed : QStringList{value + u"\u00e9"_s, value + u"\u2605"_s}) {
             QVERIFY(store.save(kApp, section, key, changed));
             QCOMPARE(SettingsStore(dir.path()).get(kApp, section, key), changed);
@@ -156,11 +153,6 @@ private slots:
     }
 
 private:
-    static QByteArray readAll(const QString& path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
     static int modeOf(const QString& path)
     {
         struct stat info

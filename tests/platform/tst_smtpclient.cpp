@@ -3,18 +3,17 @@
 #include "platform/SmtpClient.h"
 #include "platform/SmtpErrors.h"
 
-#include <QElapsedTimer>
-#include <QSignalSpy>
-#include <QTimer>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+// Stored mail settings and what comes of them: an error code and the security (-1: none read).
 // A secure-mail case: the server's options ("cert" stands for the test certificate and key),
 // what the client asks for, which certificate it trusts ("own", "other"), and what testing the
 // connection and sending one message give (0 = success).
 // clang-format off
+struct Stored { QString port, security; int code, kind; };
 struct Secure { QStringList serverOptions; QString security, user, password, trust; int testCode, sendCode; QString notice; QStringList events; };
 // clang-format on
 } // namespace
@@ -66,28 +65,24 @@ private slots:
     // never turned into a plain connection.
     void settings_data()
     {
-        QTest::addColumn<QString>("port");
-        QTest::addColumn<QString>("security");
-        QTest::addColumn<int>("code");
-        QTest::addColumn<int>("kind");
+        QTest::addColumn<Stored>("row");
+        const int none = int(MailSecurity::None), tls = int(MailSecurity::Tls);
         // clang-format off
-        QTest::newRow("defaults")  << "25"   << ""         << 0     << int(MailSecurity::None);
-        QTest::newRow("blanks")    << " 25 " << " none "   << 0     << int(MailSecurity::None);
-        QTest::newRow("starttls")  << "587"  << "starttls" << 0     << int(MailSecurity::StartTls);
-        QTest::newRow("ssl")       << "465"  << "SSL"      << 0     << int(MailSecurity::Tls);
-        QTest::newRow("ssl/tls")   << "465"  << "SSL/TLS"  << 0     << int(MailSecurity::Tls);
-        QTest::newRow("port 0")    << "0"    << ""         << 22202 << int(MailSecurity::None);
-        QTest::newRow("port text") << "2x5"  << ""         << 22202 << int(MailSecurity::None);
-        QTest::newRow("too big")   << "70000"<< ""         << 22202 << int(MailSecurity::None);
-        QTest::newRow("unknown")   << "25"   << "SSL3"     << 22202 << -1;
+        QTest::newRow("defaults")  << Stored{"25",    "",         0,     none};
+        QTest::newRow("blanks")    << Stored{" 25 ",  " none ",   0,     none};
+        QTest::newRow("starttls")  << Stored{"587",   "starttls", 0,     int(MailSecurity::StartTls)};
+        QTest::newRow("ssl")       << Stored{"465",   "SSL",      0,     tls};
+        QTest::newRow("ssl/tls")   << Stored{"465",   "SSL/TLS",  0,     tls};
+        QTest::newRow("port 0")    << Stored{"0",     "",         22202, none};
+        QTest::newRow("port text") << Stored{"2x5",   "",         22202, none};
+        QTest::newRow("too big")   << Stored{"70000", "",         22202, none};
+        QTest::newRow("unknown")   << Stored{"25",    "SSL3",     22202, -1};
         // clang-format on
     }
     void settings()
     {
-        QFETCH(QString, port);
-        QFETCH(QString, security);
-        QFETCH(int, code);
-        QFETCH(int, kind);
+        QFETCH(Stored, row);
+        const auto& [port, security, code, kind] = row;
         const MailServerSettings s =
             mailServerFromSettings(u" mail.test "_s, port, security, u" seller "_s, u" pw "_s);
         QCOMPARE(s.problem.code, code);

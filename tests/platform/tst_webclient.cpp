@@ -56,6 +56,15 @@ QByteArray samplePage(int size)
     return bytes.left(size);
 }
 
+// A page served at the target, its size, whether the server tells it, and the fewest progress
+// reports it may come in.
+// A request sent straight or through the proxy with the agent set, and what the proxy then
+// logs ("{url}", "{host}": of the page asked for).
+// clang-format off
+struct Download { QString target; int size; bool knownTotal; int minSteps; };
+struct Request { bool proxyOn; QString scheme, agent, proxyLog; };
+// clang-format on
+
 } // namespace
 
 class TestWebClient : public QObject
@@ -66,22 +75,19 @@ private slots:
     // with the total when the server gave one.
     void downloads_data()
     {
-        QTest::addColumn<QString>("target");
-        QTest::addColumn<int>("size");
-        QTest::addColumn<bool>("knownTotal");
-        QTest::addColumn<int>("minSteps");
-        QTest::newRow("plain") << "/aw-cgi/eBayISAPI.dll?ViewItem&item=123" << 40000 << true << 1;
-        QTest::newRow("in pieces") << WebServer::slow("/p.htm") << 8000 << true << 4;
-        QTest::newRow("no length") << WebServer::unsized("/p.htm") << 3000 << false << 1;
-        QTest::newRow("redirected") << WebServer::redirect("/p.htm") << 500 << true << 1;
-        QTest::newRow("empty page") << "/empty.htm" << 0 << true << 0;
+        QTest::addColumn<Download>("row");
+        // clang-format off
+        QTest::newRow("plain")      << Download{"/aw-cgi/eBayISAPI.dll?ViewItem&item=123", 40000, true, 1};
+        QTest::newRow("in pieces")  << Download{WebServer::slow("/p.htm"), 8000, true, 4};
+        QTest::newRow("no length")  << Download{WebServer::unsized("/p.htm"), 3000, false, 1};
+        QTest::newRow("redirected") << Download{WebServer::redirect("/p.htm"), 500, true, 1};
+        QTest::newRow("empty page") << Download{"/empty.htm", 0, true, 0};
+        // clang-format on
     }
     void downloads()
     {
-        QFETCH(QString, target);
-        QFETCH(int, size);
-        QFETCH(bool, knownTotal);
-        QFETCH(int, minSteps);
+        QFETCH(Download, row);
+        const auto& [target, size, knownTotal, minSteps] = row;
         WebServer web;
         const QByteArray page = samplePage(size);
         QVERIFY(web.writePage(target.contains("/p.htm") ? "/p.htm" : target, page));
@@ -154,23 +160,18 @@ private slots:
     // pages are asked for by their whole address and https goes through a CONNECT tunnel.
     void requests_data()
     {
-        QTest::addColumn<bool>("proxyOn");
-        QTest::addColumn<QString>("scheme");
-        QTest::addColumn<QString>("agent");
-        QTest::addColumn<QString>("proxyLog"); // "{url}", "{host}": of the page asked for
+        QTest::addColumn<Request>("row");
         // clang-format off
-        QTest::newRow("agent") << false << "http" << "Mozilla/4.0" << "";
-        QTest::newRow("no agent") << false << "http" << "" << "";
-        QTest::newRow("through proxy") << true << "http" << "Mozilla/4.0" << "GET {url} HTTP/1.1";
-        QTest::newRow("https tunnelled") << true << "https" << "" << "CONNECT {host} HTTP/1.1";
+        QTest::newRow("agent")           << Request{false, "http", "Mozilla/4.0", ""};
+        QTest::newRow("no agent")        << Request{false, "http", "", ""};
+        QTest::newRow("through proxy")   << Request{true, "http", "Mozilla/4.0", "GET {url} HTTP/1.1"};
+        QTest::newRow("https tunnelled") << Request{true, "https", "", "CONNECT {host} HTTP/1.1"};
         // clang-format on
     }
     void requests()
     {
-        QFETCH(bool, proxyOn);
-        QFETCH(QString, scheme);
-        QFETCH(QString, agent);
-        QFETCH(QString, proxyLog);
+        QFETCH(Request, row);
+        auto [proxyOn, scheme, agent, proxyLog] = row;
         WebServer web;
         WebProxy proxy;
         WebClient client;
