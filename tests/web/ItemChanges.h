@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/TextRoutines.h"
+
 #include <QDateTime>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -32,4 +34,10 @@ inline QVariantMap itemsChanged(const QVariantMap& before, const QSqlDatabase& d
 inline QString stamp(const QDateTime& value)
 {
     return value.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+}
+
+// A page under tests/data/web, read as a download hands it on.
+inline QString webPage(const char* name)
+{
+    return ReadTextFile(QStringLiteral(TB_TEST_DATA_DIR "/web/") + QLatin1String(name));
 }

@@ -41,12 +41,6 @@ struct Rig
     AppContext& ctx = env.context();
 };
 
-// The download window while it runs modally; nullptr otherwise.
-frmLoadWebPage* openWindow()
-{
-    return qobject_cast<frmLoadWebPage*>(QApplication::activeModalWidget());
-}
-
 // Runs `act` on the download window inside its own event loop once its status list shows
 // `line` ("" = at once) and `ready` holds; returns the moment it acted.
 std::shared_ptr<QElapsedTimer> whenShown(
@@ -56,7 +50,7 @@ std::shared_ptr<QElapsedTimer> whenShown(
     auto acted = std::make_shared<QElapsedTimer>();
     auto* poll = new QTimer;
     QObject::connect(poll, &QTimer::timeout, [=] {
-        frmLoadWebPage* w = openWindow();
+        auto* w = qobject_cast<frmLoadWebPage*>(QApplication::activeModalWidget());
         if (w && (line.isEmpty() || w->statusLines().contains(line)) && ready()) {
             poll->deleteLater();
             acted->start();

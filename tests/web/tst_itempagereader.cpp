@@ -1,15 +1,9 @@
 #include "../support/TestEnvironment.h"
 #include "ItemChanges.h"
 
-#include "platform/TextRoutines.h"
 #include "web/ItemPageReader.h"
 
 #include <QtTest>
-
-static QString page(const char* name)
-{
-    return ReadTextFile(QStringLiteral(TB_TEST_DATA_DIR "/web/") + QLatin1String(name));
-}
 
 class TestItemPageReader : public QObject
 {
@@ -22,7 +16,7 @@ private slots:
         QTest::addColumn<int>("daylightDiff");
         // number|title|category|price|bids|started|ends|high bid|state|start of the shown page
         QTest::addColumn<QString>("expected");
-        const QString running = page("item_running.htm");
+        const QString running = webPage("item_running.htm");
         const QString vase = "100234|Blue glass vase|Pottery:Glass:Vases|1212.5|7|";
         const QString shown = "|joe_bidder||100234 (Ends 06/15/99";
         QTest::newRow("running") << running << 300 << 0
@@ -35,15 +29,15 @@ private slots:
             << QString(running).remove(u'\r') << 300 << 0
             << vase + "1999-06-08 13:00:00|1999-06-15 21:30:00" + shown;
         QTest::newRow("closed, no bids")
-            << page("item_closed.htm") << 300 << 0
+            << webPage("item_closed.htm") << 300 << 0
             << "100235|Oak chair|Antiques:Furniture|45|0|1999-12-29 02:00:00|2000-01-05 00:45:10|"
                "No Bids|closed|100235 (Ended) - Oak";
         QTest::newRow("dutch")
-            << page("item_dutch.htm") << 300 << 0
+            << webPage("item_dutch.htm") << 300 << 0
             << "100236|Box of 10 postcards|Collectibles:Postcards|3.25|4|1999-06-25 15:00:00|"
                "1999-07-02 15:00:00|4 Dutch bids.||100236 (Ends";
         QTest::newRow("invalid: page kept whole")
-            << page("item_invalid.htm") << 300 << 0
+            << webPage("item_invalid.htm") << 300 << 0
             << "555|||0|0|1899-12-30 12:00:00|1899-12-30 12:00:00||invalid|<HTML>\r\n<HEAD>";
         // Missing markers cut from near the start; nothing is read and nothing breaks.
         QTest::newRow("no markers") << QStringLiteral("<html>Service busy</html>") << 300 << 0
@@ -71,8 +65,8 @@ private slots:
         QTest::addColumn<QString>("page");
         QTest::addColumn<QVariantMap>("changed");
         const QString now = "2024-06-25 12:00:00";
-        const QString running = page("item_running.htm");
-        const QString closed = page("item_closed.htm");
+        const QString running = webPage("item_running.htm");
+        const QString closed = webPage("item_closed.htm");
         const QVariantMap vase{{"100234.LastPrice", 12125000},
                                {"100234.LastChecked", now},
                                {"100234.DateAuctionStarted", "1999-06-08 13:00:00"},
@@ -97,7 +91,7 @@ private slots:
         QTest::newRow("apostrophes in the number: nothing")
             << QString(closed).replace("100235", "1'OR'1'='1") << QVariantMap{};
         QTest::newRow("invalid: the window's item")
-            << page("item_invalid.htm")
+            << webPage("item_invalid.htm")
             << QVariantMap{{"555.LastPrice", 0},
                            {"555.LastChecked", now},
                            {"555.DateAuctionStarted", "1899-12-30 12:00:00"},

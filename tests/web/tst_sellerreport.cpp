@@ -1,20 +1,11 @@
 #include "../support/TestEnvironment.h"
 #include "ItemChanges.h"
 
-#include "platform/TextRoutines.h"
 #include "web/SellerReport.h"
 
 #include <QtTest>
 
-static QString fixture(const char* name)
-{
-    return QStringLiteral(TB_TEST_DATA_DIR "/web/") + QLatin1String(name);
-}
-
-static QList<ReportRow> report()
-{
-    return ReadSellerReport(ReadTextFile(fixture("report_items.htm")), 300, 0);
-}
+using namespace Qt::StringLiterals;
 
 // Items 100301 to 100311 and one without an eBay number, all with earlier values.
 static void seed(TestEnvironment& env)
@@ -38,12 +29,8 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("rest");
-        QTest::newRow("crlf") << "a\r\nb\r\n"
-                              << "a\r\n"
-                              << "b\r\n";
-        QTest::newRow("no feed") << "a\rb"
-                                 << ""
-                                 << "a\rb";
+        QTest::newRow("crlf") << u"a\r\nb\r\n"_s << u"a\r\n"_s << u"b\r\n"_s;
+        QTest::newRow("no feed") << u"a\rb"_s << u""_s << u"a\rb"_s;
     }
     void takeLine()
     {
@@ -58,12 +45,12 @@ private slots:
         QTest::addColumn<int>("count");
         QTest::addColumn<QString>("last"); // number|title
         // The fixture's lines end in bare line feeds; reading it as a download does gives CR LF.
-        const QString page = ReadTextFile(fixture("report_items.htm"));
+        const QString page = webPage("report_items.htm");
         QTest::newRow("up to the blank number") << page << 11 << "100310|Last";
         QTest::newRow("table ends")
             << QString(page).replace("<tr><td><a href=\"/item/100303", "</table><tr><td>") << 2
             << "100302|Oak chair";
-        QTest::newRow("no header") << ReadTextFile(fixture("report_signin.htm")) << 0 << "";
+        QTest::newRow("no header") << webPage("report_signin.htm") << 0 << "";
         // Without CR LF after the header's "</tr>" the first row loses its "<".
         QTest::newRow("bare line feeds left as they are") << QString(page).remove(u'\r') << 0 << "";
         QString big = "<tr><th>High Bidder</th></tr>\r\n";
@@ -85,6 +72,7 @@ private slots:
     void apply_data()
     {
         QTest::addColumn<QDateTime>("now");
+        QTest::addColumn<bool>("refused"); // a trigger refuses to update 100305
         QTest::addColumn<QVariantMap>("changed");
         QVariantMap running;
         QVariantMap ended;
@@ -114,36 +102,33 @@ private slots:
         add(100307, start, end, 100000, "new@example.com");
         add(100308, start, end, 110000, "");
         add(100310, start, end, 150000, "No Bids");
-        QTest::newRow("running and ended") << QDateTime(QDate(2024, 6, 25), QTime(12, 0)) << ended;
-        QTest::newRow("all running") << QDateTime(QDate(1990, 1, 1), QTime(0, 0)) << running;
+        const QDateTime now(QDate(2024, 6, 25), QTime(12, 0));
+        QTest::newRow("running and ended") << now << false << ended;
+        QTest::newRow("all running")
+            << QDateTime(QDate(1990, 1, 1), QTime(0, 0)) << false << running;
+        QTest::newRow("failure part way rolls back") << now << true << QVariantMap();
     }
     // Only the end moves to the local clock. Unknown items, the number 1'OR'1'='1, the undated
     // row and rows after the blank number change nothing.
     void apply()
     {
         QFETCH(QDateTime, now);
+        QFETCH(bool, refused);
         TestEnvironment env;
         seed(env);
         const QSqlDatabase db = env.context().itemDatabase;
+        if (refused)
+            QSqlQuery(u"CREATE TRIGGER refuse BEFORE UPDATE ON Items WHEN OLD.EbayID = '100305' "
+                      u"BEGIN SELECT RAISE(ABORT, 'no'); END"_s,
+                      db);
         const QVariantMap before = itemsSnapshot(db);
-        const ApplyResult result = ApplySellerReport(db, report(), now);
-        QVERIFY2(result.ok, qPrintable(result.error));
-        QCOMPARE(result.statements, 10);
+        const ApplyResult result =
+            ApplySellerReport(db, ReadSellerReport(webPage("report_items.htm"), 300, 0), now);
+        QVERIFY2(result.ok != refused && result.error.isEmpty() != refused,
+                 qPrintable(result.error));
+        if (!refused)
+            QCOMPARE(result.statements, 10);
         QTEST(itemsChanged(before, db), "changed");
-    }
-
-    void failurePartWayRollsBack()
-    {
-        TestEnvironment env;
-        seed(env);
-        const QSqlDatabase db = env.context().itemDatabase;
-        QSqlQuery(QStringLiteral("CREATE TRIGGER refuse BEFORE UPDATE ON Items WHEN "
-                                 "OLD.EbayID = '100305' BEGIN SELECT RAISE(ABORT, 'no'); END"),
-                  db);
-        const QVariantMap before = itemsSnapshot(db);
-        const ApplyResult result = ApplySellerReport(db, report(), QDateTime::currentDateTime());
-        QVERIFY(!result.ok && !result.error.isEmpty());
-        QCOMPARE(itemsChanged(before, db), QVariantMap());
     }
 
     void address()

@@ -38,6 +38,11 @@ QString fileText(const QString& path)
     return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : u"<none>"_s;
 }
 
+QString box(PromptIcon icon, const QString& title, const QString& text)
+{
+    return u"%1|%2|%3"_s.arg(int(icon)).arg(title, text);
+}
+
 // A server, an application folder whose auction-site addresses point at it, and settings.
 struct Site
 {
@@ -64,25 +69,18 @@ struct Site
     }
     QString shownPage() const { return fileText(env.path(u"temp.htm"_s)); }
     QString opened() { return env.shell().opened.value(0).target; }
-    // The only message box shown, as "icon|title|text"; "" when none was.
-    QString onlyBox()
+    // The message boxes shown, one "icon|title|text" a line.
+    QString boxes()
     {
-        const auto& shown = env.prompts().shown();
-        if (shown.isEmpty())
-            return {};
-        if (shown.size() > 1)
-            return u"%1 boxes"_s.arg(shown.size());
-        return u"%1|%2|%3"_s.arg(int(shown[0].icon)).arg(shown[0].title, shown[0].text);
+        QStringList out;
+        for (const auto& shown : env.prompts().shown())
+            out << box(shown.icon, shown.title, shown.text);
+        return out.join(u'\n');
     }
 
     WebServer web;
     TestEnvironment env;
 };
-
-QString box(PromptIcon icon, const QString& title, const QString& text)
-{
-    return u"%1|%2|%3"_s.arg(int(icon)).arg(title, text);
-}
 
 } // namespace
 
@@ -124,7 +122,7 @@ private slots:
 
         QCOMPARE(site.web.requests().size(), 1);
         QCOMPARE(Site::checks(w), checks);
-        QCOMPARE(site.onlyBox(), QString());
+        QCOMPARE(site.boxes(), QString());
         if (!found) {
             QCOMPARE(site.env.storedValue(id, u"Category"_s).toString(), "Old");
             QVERIFY(site.env.shell().opened.isEmpty());
@@ -175,7 +173,7 @@ private slots:
         site.env.addItems({{{u"EbayID"_s, u"100301"_s}}});
         ItemWindow w(site.env);
         w->toolButton(u"EAll"_s)->trigger();
-        QCOMPARE(site.onlyBox(), box(PromptIcon::Exclamation, title, text));
+        QCOMPARE(site.boxes(), box(PromptIcon::Exclamation, title, text));
         QWidget* options = nullptr;
         for (QWidget* top : QApplication::topLevelWidgets())
             if (top->objectName() == "frmOptions"_L1 && top->isVisible())
@@ -203,7 +201,7 @@ private slots:
         w->toolButton(u"EAll"_s)->trigger();
 
         QCOMPARE(site.web.requests(), QStringList{target});
-        QCOMPARE(site.onlyBox(), QString());
+        QCOMPARE(site.boxes(), QString());
         // ended auctions carry their buyer, apostrophe and all; the unlisted item is untouched
         QCOMPARE(site.env.storedValue(ids[1], u"BuyerEmail"_s).toString(), "ann@example.com");
         QCOMPARE(site.env.storedValue(ids[1], u"LastPrice"_s).toLongLong(), 10125000);
@@ -241,7 +239,7 @@ private slots:
         w->toolButton(u"EAdd"_s)->trigger();
 
         QCOMPARE(site.web.requests(), QStringList{kStartPath});
-        QCOMPARE(site.onlyBox(), QString());
+        QCOMPARE(site.boxes(), QString());
         QCOMPARE(Site::checks(w), "0100");
         const QString shown = site.shownPage();
         for (const QString& piece :
@@ -259,18 +257,11 @@ private slots:
         QTest::addColumn<QString>("folder"); // Pulsewatch's folder: "" none, "-" not installed
         QTest::addColumn<QString>("opened");
         QTest::addColumn<QString>("message");
-        QTest::newRow("home page") << "mnuTBHome"
-                                   << ""
-                                   << "https://tallybid.org/"
-                                   << "";
-        QTest::newRow("Pulsewatch missing") << "mnuPulsewatch"
-                                            << "-"
-                                            << ""
-                                            << "Can't find Pulsewatch at %1/Pulsewatch.  Aborting.";
-        QTest::newRow("Pulsewatch present") << "mnuPulsewatch"
-                                            << "pw"
-                                            << ""
-                                            << "";
+        // clang-format off
+        QTest::newRow("home page")          << u"mnuTBHome"_s     << u""_s   << u"https://tallybid.org/"_s << u""_s;
+        QTest::newRow("Pulsewatch missing") << u"mnuPulsewatch"_s << u"-"_s  << u""_s << u"Can't find Pulsewatch at %1/Pulsewatch.  Aborting."_s;
+        QTest::newRow("Pulsewatch present") << u"mnuPulsewatch"_s << u"pw"_s << u""_s << u""_s;
+        // clang-format on
     }
     void browserPages()
     {
@@ -290,9 +281,9 @@ private slots:
         site.env.addItems({{{u"ShortDescription"_s, u"Vase"_s}}});
         ItemWindow w(site.env);
         w.menu(command)->trigger();
-        QCOMPARE(site.onlyBox(), message.isEmpty()
-                                     ? QString()
-                                     : box(PromptIcon::None, kDefaultTitle, message.arg(sibling)));
+        QCOMPARE(site.boxes(), message.isEmpty()
+                                   ? QString()
+                                   : box(PromptIcon::None, kDefaultTitle, message.arg(sibling)));
         QCOMPARE(site.env.shell().opened.size(), opened.isEmpty() ? 0 : 1);
         QCOMPARE(site.opened(), opened);
         const bool started = command == "mnuPulsewatch"_L1 && message.isEmpty();
