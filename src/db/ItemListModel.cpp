@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <QThread>
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -203,8 +204,38 @@ void ItemListModel::applyKeys(QList<qint64> keys, bool inViewOrder)
         std::reverse(keys.begin(), keys.end());
     beginResetModel();
     m_keys = std::move(keys);
+    m_keyRun = KeyRun::Unknown;
+    m_lastRow = -1;
     endResetModel();
     emit keysApplied();
+}
+
+int ItemListModel::rowOf(qint64 key) const
+{
+    // The list follows the item window a move at a time: the row found last or a neighbour.
+    for (const int row : {m_lastRow, m_lastRow + 1, m_lastRow - 1})
+        if (row >= 0 && row < m_keys.size() && m_keys.at(row) == key)
+            return m_lastRow = row;
+    // A view and the list sorted by number hold their keys in order, so a far move (the last
+    // item of 100,000) is a search, not a walk through the list.
+    if (m_keyRun == KeyRun::Unknown)
+        m_keyRun = std::is_sorted(m_keys.cbegin(), m_keys.cend())     ? KeyRun::Ascending
+                   : std::is_sorted(m_keys.crbegin(), m_keys.crend()) ? KeyRun::Descending
+                                                                      : KeyRun::Mixed;
+    qsizetype row = -1;
+    if (m_keyRun == KeyRun::Mixed) {
+        row = m_keys.indexOf(key);
+    } else {
+        const auto found =
+            m_keyRun == KeyRun::Ascending
+                ? std::lower_bound(m_keys.cbegin(), m_keys.cend(), key)
+                : std::lower_bound(m_keys.cbegin(), m_keys.cend(), key, std::greater<qint64>());
+        if (found != m_keys.cend() && *found == key)
+            row = found - m_keys.cbegin();
+    }
+    if (row >= 0)
+        m_lastRow = int(row);
+    return int(row);
 }
 
 void ItemListModel::forgetItem(qint64 key)

@@ -55,7 +55,8 @@ public:
     bool isBusy() const { return m_pending != 0; }
 
     qint64 keyAt(int row) const { return m_keys.value(row, -1); }
-    int rowOf(qint64 key) const { return int(m_keys.indexOf(key)); }
+    // -1 when the list does not show the key.
+    int rowOf(qint64 key) const;
     // Drops what was read of one item, so the list shows what was just stored.
     void forgetItem(qint64 key);
     // Rows read from the database so far: how lazily the list reads.
@@ -90,6 +91,16 @@ private:
     QList<qint64> m_viewKeys;
     QString m_condition = QStringLiteral("1");
     QList<qint64> m_keys; // what the list shows, in its order
+    // How m_keys run, found out the first time a key is looked for away from the last one.
+    enum class KeyRun
+    {
+        Unknown,
+        Ascending,
+        Descending,
+        Mixed
+    };
+    mutable KeyRun m_keyRun = KeyRun::Unknown;
+    mutable int m_lastRow = -1; // where rowOf last found a key
     QString m_filter;
     int m_sortColumn = -1;
     Qt::SortOrder m_sortOrder = Qt::AscendingOrder;

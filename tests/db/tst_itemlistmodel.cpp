@@ -20,6 +20,26 @@ QString cell(const ItemListModel& m, int row, int column)
 struct Sort { QString source; int column; Qt::SortOrder order; QStringList firstTitles; int rows; };
 // clang-format on
 
+// The first row rowOf misplaces, looked for in turn, backwards and far apart; "" when none.
+QString misplacedRow(const ItemListModel& m)
+{
+    const int n = m.rowCount();
+    QList<int> rows;
+    for (int r = 0; r < n; ++r)
+        rows << r;
+    for (int r = n - 1; r >= 0; --r)
+        rows << r;
+    for (int r = 0; r < n; ++r)
+        rows << r * 97 % n;
+    for (const int r : std::as_const(rows))
+        if (m.rowOf(m.keyAt(r)) != r)
+            return QString::number(r);
+    for (const qint64 missing : {qint64(0), m.keyAt(0) + 100000})
+        if (m.rowOf(missing) != -1)
+            return QStringLiteral("missing key %1").arg(missing);
+    return {};
+}
+
 // Waits for a sort or search handed to the worker.
 bool settle(ItemListModel& m)
 {
@@ -122,11 +142,13 @@ private slots:
         for (int r = 0; r < firstTitles.size(); ++r)
             titles << cell(*m_model, r, ItemListModel::Title);
         QCOMPARE(titles, firstTitles);
+        QCOMPARE(misplacedRow(*m_model), QString());
         QCOMPARE(m_records->keys(), viewKeys);
         // Back to the view's own order.
         m_model->sort(-1);
         QVERIFY(settle(*m_model));
         QCOMPARE(m_model->keyAt(0), viewKeys.first());
+        QCOMPARE(misplacedRow(*m_model), QString());
     }
 
     void searches_data()
