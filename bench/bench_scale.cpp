@@ -312,6 +312,20 @@ void measureWindow(const QString& folder, int items, int runs, bool judged)
                    runs, [&] { window->mnuPrevious_Click(); },
                    [&] { raw.run("SELECT * FROM Items WHERE ID = ?", --key); }, 50),
                5, judged);
+        // The same far down the list, where finding the item's row in the item list once took
+        // a walk through every row before it: back from the last item, then forward to it.
+        window->mnuLast_Click();
+        key = window->data().bookmark();
+        report(items, QStringLiteral("previous item, from the last"),
+               timeBoth(
+                   runs, [&] { window->mnuPrevious_Click(); },
+                   [&] { raw.run("SELECT * FROM Items WHERE ID = ?", --key); }, 50),
+               5, judged);
+        report(items, QStringLiteral("next item, up to the last"),
+               timeBoth(
+                   runs, [&] { window->mnuNext_Click(); },
+                   [&] { raw.run("SELECT * FROM Items WHERE ID = ?", ++key); }, 50),
+               5, judged);
         window->close();
     }
     QSqlDatabase::removeDatabase(connection);
