@@ -382,13 +382,7 @@ bool RecordSet::deleteCurrent()
 
 void RecordSet::close(DataAction action)
 {
-    if (!hasCurrent())
-        return;
-    if (m_validate)
-        m_validate(action);
-    if (m_binding)
-        m_binding->collectEdits(*this);
-    save();
+    leave(action); // closing leaves the record as a move does
 }
 
 QVariant RecordSet::storedValue(const QString& column) const
