@@ -94,3 +94,21 @@ void Calculator::changeSign()
         return;
     m_display = m_display.startsWith(u'-') ? m_display.mid(1) : u'-' + m_display;
 }
+
+void Calculator::press(QChar key)
+{
+    if (key.isDigit())
+        digit(key.digitValue());
+    else if (key == u'.')
+        point();
+    else if (key == u'=')
+        equals();
+    else if (key == u'C')
+        clear();
+    else if (key == QChar(0x2190))
+        backspace();
+    else if (key == QChar(0x00b1))
+        changeSign();
+    else
+        operation(key);
+}

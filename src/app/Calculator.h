@@ -14,6 +14,9 @@ public:
     void clear();
     void backspace();
     void changeSign();
+    // One key of the keypad: a digit, ".", "=", "C", an operator, or the backspace arrow
+    // (U+2190) and the sign key (U+00B1) as their buttons show them.
+    void press(QChar key);
     QString display() const { return m_display; }
 
 private:

@@ -45,21 +45,7 @@ frmCalculator::frmCalculator(QWidget* parent) : QDialog(parent)
 
 void frmCalculator::press(const QString& key)
 {
-    const QChar k = key.at(0);
-    if (k.isDigit())
-        m_calculator.digit(k.digitValue());
-    else if (k == u'.')
-        m_calculator.point();
-    else if (k == u'=')
-        m_calculator.equals();
-    else if (k == u'C')
-        m_calculator.clear();
-    else if (k == QChar(0x2190))
-        m_calculator.backspace();
-    else if (k == QChar(0x00b1))
-        m_calculator.changeSign();
-    else
-        m_calculator.operation(k);
+    m_calculator.press(key.at(0));
     txtDisplay->setText(m_calculator.display());
 }
 

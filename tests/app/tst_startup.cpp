@@ -292,20 +292,8 @@ private slots:
     {
         QFETCH(QString, keys);
         Calculator c;
-        for (const QChar k : keys) {
-            if (k.isDigit())
-                c.digit(k.digitValue());
-            else if (k == u'.')
-                c.point();
-            else if (k == u'=')
-                c.equals();
-            else if (k == u'<')
-                c.backspace();
-            else if (k == u'~')
-                c.changeSign();
-            else
-                c.operation(k);
-        }
+        for (const QChar k : keys)
+            c.press(k == u'<' ? QChar(0x2190) : k == u'~' ? QChar(0x00b1) : k);
         QTEST(c.display(), "display");
     }
 };
