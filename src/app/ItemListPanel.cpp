@@ -86,6 +86,11 @@ ItemListPanel::ItemListPanel(RecordSet& records, SettingsStore& store, QWidget* 
     header->setSortIndicator(-1, Qt::AscendingOrder);
     header->setHighlightSections(false);
     header->setStretchLastSection(true);
+    // The ID column is as wide as a six-digit number: the list starts narrow beside the item,
+    // and the eBay number next to it is what tells items apart.
+    header->resizeSection(ItemListModel::Id, std::max(header->sectionSizeHint(ItemListModel::Id),
+                                                      m_table->fontMetrics().horizontalAdvance(
+                                                          QStringLiteral("0000000"))));
     const QStringList widths =
         store.get(Settings::kApp, Settings::kSystem, kColumnsKey).split(u',', Qt::SkipEmptyParts);
     for (int c = 0; c < widths.size() && c < ItemListModel::ColumnCount; ++c)

@@ -332,6 +332,9 @@ void frmItems::bindFields()
     ui->comboLength->setValidator(new QIntValidator(0, 999, ui->comboLength));
     connect(ui->comboLength, &QComboBox::activated, this, [this] { onLengthChosen(); });
     ui->Picture2->move(0, 0);
+    for (QLineEdit* number : {ui->txtCurItem, ui->txtTotItem, ui->txtFields_0, ui->txtFields_8,
+                              ui->txtFields_9, ui->txtFields_10, ui->txtFields_11})
+        keepNumberWhole(*number);
     connect(ui->HScroll1, &QScrollBar::valueChanged, this, &frmItems::scrollPicture);
     connect(ui->VScroll1, &QScrollBar::valueChanged, this, &frmItems::scrollPicture);
     // The bars keep their room while hidden, so showing them never moves the controls below.

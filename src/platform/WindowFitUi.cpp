@@ -4,10 +4,15 @@
 
 #include <QLabel>
 #include <QLayout>
+#include <QLineEdit>
 #include <QScreen>
 #include <QScrollArea>
+#include <QStyle>
+#include <QStyleOptionFrame>
 #include <QWidget>
 #include <QWindow>
+
+#include <algorithm>
 
 namespace {
 
@@ -120,4 +125,41 @@ void scrollWhenShort(QWidget& content)
     // Scrolling is for small screens; the window never shrinks to a peephole.
     area->setMinimumSize(content.minimumSizeHint().boundedTo(kSmallestScrolledView));
     content.setAutoFillBackground(false);
+}
+
+void keepNumberWhole(QLineEdit& box)
+{
+    const auto widthFor = [&box](qsizetype length) {
+        QStyleOptionFrame option;
+        option.initFrom(&box);
+        option.lineWidth =
+            box.hasFrame() ? box.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, &box)
+                           : 0;
+        const QMargins text = box.textMargins() + box.contentsMargins();
+        constexpr int kCursorRoom = 2 * 2; // the line edit's own margin either side of the text
+        const int inside = box.fontMetrics().horizontalAdvance(QString(length, u'0')) +
+                           kCursorRoom + text.left() + text.right();
+        return box.style()
+            ->sizeFromContents(QStyle::CT_LineEdit, &option, QSize(inside, box.height()), &box)
+            .width();
+    };
+    // Digits share one width in the fonts a form uses, so only a longer number than any before
+    // can need more room: moving between items costs a comparison, and the window is laid out
+    // again only the first time a longer number shows. Text pasted into an amount is no number:
+    // past an amount's length (1234567.89) the box scrolls its text as any box does.
+    static constexpr qsizetype kLongestNumber = 10;
+    auto follow = [&box, widthFor, longest = qsizetype(0)](const QString& text) mutable {
+        const qsizetype length = std::min(text.size(), kLongestNumber);
+        if (length <= longest)
+            return;
+        longest = length;
+        const int wanted = widthFor(longest);
+        if (wanted <= std::max(box.minimumWidth(), box.minimumSizeHint().width()))
+            return;
+        if (box.maximumWidth() < wanted)
+            box.setMaximumWidth(wanted);
+        box.setMinimumWidth(wanted);
+    };
+    QObject::connect(&box, &QLineEdit::textChanged, &box, follow);
+    follow(box.text());
 }

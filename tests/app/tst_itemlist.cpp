@@ -186,6 +186,41 @@ private slots:
         QVERIFY(env.store().get(u"Tallybid"_s, u"System"_s, u"ItemListVisible"_s).isEmpty());
     }
 
+    // Beside the list the item keeps the window's documented width, and every number in it is
+    // shown whole: a count of 1000 cut to "000" or 12345.67 cut to "12345.6" reads as another
+    // number.
+    void numbersStayWholeBesideIt()
+    {
+        TestEnvironment env;
+        env.addNumberedItems(999);
+        env.addItems({{{u"ShortDescription"_s, u"Dear"_s},
+                       {u"Reserve"_s, 12345.67},
+                       {u"MinBid"_s, 23456.78},
+                       {u"Cost"_s, 34567.89},
+                       {u"LastPrice"_s, 45678.91},
+                       {u"Active"_s, true}}});
+        ItemWindow w(env);
+        w->mnuLast_Click();
+        QCOMPARE(w.counters(), u"1000/1000"_s);
+        QVERIFY(dock(w)->isVisible());
+        QCOMPARE(w->width(), 786);
+        for (const auto& name :
+             {u"txtCurItem"_s, u"txtTotItem"_s, u"txtFields_0"_s, u"txtFields_8"_s,
+              u"txtFields_9"_s, u"txtFields_10"_s, u"txtFields_11"_s}) {
+            const QLineEdit* box = w.child<QLineEdit>(name);
+            QStyleOptionFrame frame;
+            frame.initFrom(box);
+            const int border = box->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &frame, box);
+            const int room = box->width() - 2 * border - 4;
+            QVERIFY2(box->fontMetrics().horizontalAdvance(box->text()) <= room,
+                     qPrintable(name + u" cuts "_s + box->text()));
+        }
+        // Anything longer than an amount scrolls in its box, as text does.
+        w.field(10)->setText(QString(200, u'9'));
+        QCoreApplication::processEvents();
+        QVERIFY(w->minimumSizeHint().width() <= 786);
+    }
+
     // Hidden, its column widths and its width come back in a new window.
     void settingsAreRemembered()
     {
