@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QValueAxis>
 
+#include <algorithm>
 #include <cmath>
 
 namespace ReportCharts {
@@ -28,6 +29,18 @@ QStringList bucketNames(const SalesReport& report, const QLocale& locale)
 double amount(Money m)
 {
     return double(m.units()) / double(Money::kScale);
+}
+
+// Enough decimals (up to cents) that the labels of a value axis ticking by `step` differ: a
+// small period's sales of a few dollars tick by 0.5 or 0.2, which whole numbers would print as
+// "0, 0, 1, 1".
+int labelDecimals(double step)
+{
+    int decimals = 0;
+    for (double scaled = step; decimals < 2; scaled *= 10, ++decimals)
+        if (std::abs(scaled - std::round(scaled)) < 1e-6)
+            break;
+    return decimals;
 }
 
 struct Bars
@@ -74,7 +87,8 @@ std::unique_ptr<QChart> barChart(const QString& title, const QList<Bars>& bars,
         values->setRange(low, high > low ? high : low + 1);
         values->applyNiceNumbers();
     }
-    values->setLabelFormat(QStringLiteral("%.0f"));
+    const double step = (values->max() - values->min()) / std::max(1, values->tickCount() - 1);
+    values->setLabelFormat(QStringLiteral("%.%1f").arg(labelDecimals(step)));
     values->setTitleText(valueTitle);
     chart->addAxis(values, Qt::AlignLeft);
     series->attachAxis(values);

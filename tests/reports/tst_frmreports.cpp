@@ -5,6 +5,7 @@
 #include "../support/TestEnvironment.h"
 #include "app/frmItems.h"
 #include "db/ItemCsv.h"
+#include "reports/ReportCharts.h"
 #include "reports/ReportModel.h"
 #include "reports/frmReports.h"
 #include "reports/texts.h"
@@ -17,6 +18,7 @@
 #include <QHeaderView>
 #include <QPushButton>
 #include <QTableView>
+#include <QValueAxis>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -203,6 +205,36 @@ private slots:
         ModalWatch watch;
         QTest::mouseClick(child<QPushButton>("cmdPrint"), Qt::LeftButton);
         QCOMPARE(watch.shown, u"frmPrintPreview"_s);
+    }
+
+    void chartValueLabelsDiffer_data()
+    {
+        QTest::addColumn<QList<qint64>>("cents");
+        QTest::newRow("nothing sold") << QList<qint64>{0, 0, 0};
+        QTest::newRow("a few dollars") << QList<qint64>{150, 250, 0};
+        QTest::newRow("cents") << QList<qint64>{3, 7, 1};
+        QTest::newRow("thousands") << QList<qint64>{123456, 987654, 0};
+    }
+    // Every tick of the sales chart's value axis has a label of its own.
+    void chartValueLabelsDiffer()
+    {
+        QFETCH(QList<qint64>, cents);
+        SalesReport report;
+        for (int month = 0; month < cents.size(); ++month)
+            report.buckets << ReportBucket{QDate(kYear, month + 1, 1),
+                                           Money::fromUnits(cents[month] * Money::kScale / 100),
+                                           Money::fromUnits(cents[month] * Money::kScale / 200)};
+        const std::unique_ptr<QChart> chart = ReportCharts::salesChart(report, QLocale::c());
+        const auto* axis = qobject_cast<QValueAxis*>(chart->axes(Qt::Vertical).value(0));
+        QVERIFY(axis);
+        QStringList labels;
+        const double step = (axis->max() - axis->min()) / (axis->tickCount() - 1);
+        for (int tick = 0; tick < axis->tickCount(); ++tick)
+            labels << QString::asprintf(qPrintable(axis->labelFormat()), axis->min() + tick * step);
+        QCOMPARE(QSet<QString>(labels.begin(), labels.end()).size(), labels.size());
+        // The axis reaches the highest bar.
+        QVERIFY2(axis->max() >= *std::max_element(cents.begin(), cents.end()) / 100.0,
+                 qPrintable(labels.join(u' ')));
     }
 
     void actionsMenuOpensOneWindow()
