@@ -138,6 +138,12 @@ private slots:
         QCOMPARE(overflow(window->size()), QString());
         QCOMPARE(problemsOf(*window), QStringList());
         QVERIFY(window->grab().save(shot(name)));
+        // Where the screen leaves room, every tab's caption shows without scrolling to it.
+        if (window->width() < WindowFit::room(available(), kFrame).width())
+            for (const QTabWidget* tabs : window->findChildren<QTabWidget*>())
+                QVERIFY2(tabs->tabBar()->tabRect(tabs->count() - 1).right() <
+                             tabs->tabBar()->width(),
+                         qPrintable(tabs->tabText(tabs->count() - 1)));
 
         // As small as it goes: still on the screen and still whole.
         const QSize minimum = window->minimumSize();
