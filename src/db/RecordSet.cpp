@@ -255,9 +255,18 @@ void RecordSet::setAbsolutePosition(int position)
 void RecordSet::setBookmark(qint64 bookmark)
 {
     leave(DataAction::Bookmark);
-    const qsizetype i = m_ids.indexOf(bookmark);
+    const qsizetype i = positionOf(bookmark);
     if (i >= 0)
         moveTo(i);
+}
+
+qsizetype RecordSet::positionOf(qint64 key) const
+{
+    // Rows in key order stay so as rows are added: a new key is larger than any before it.
+    if (!m_keyOrder)
+        return m_ids.indexOf(key);
+    const auto at = std::lower_bound(m_ids.cbegin(), m_ids.cend(), key);
+    return at != m_ids.cend() && *at == key ? at - m_ids.cbegin() : -1;
 }
 
 RecordSet::FindResult RecordSet::find(const QString& criteria, qsizetype from)
@@ -296,10 +305,8 @@ RecordSet::FindResult RecordSet::find(const QString& criteria, qsizetype from)
             }
             if (hit.ids.isEmpty())
                 break;
-            const auto at = std::lower_bound(m_ids.cbegin() + from, m_ids.cend(), hit.ids.first());
-            if (at != m_ids.cend() && *at == hit.ids.first())
-                found = at - m_ids.cbegin();
-            else
+            found = positionOf(hit.ids.first());
+            if (found < 0)
                 key = hit.ids.first() + 1; // a row this list does not hold: look further on
         }
     } else {

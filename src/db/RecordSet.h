@@ -139,6 +139,8 @@ private:
     void leave(DataAction action);
     bool save();
     void moveTo(qsizetype position);
+    // Where the key sits in the rows, or -1.
+    qsizetype positionOf(qint64 key) const;
     void loadCurrent();
     int columnIndex(const QString& column) const;
     FindResult find(const QString& criteria, qsizetype from);

@@ -136,6 +136,33 @@ private slots:
         QCOMPARE(m_env->itemCount(), left);
     }
 
+    void bookmarks_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<qint64>("key");
+        QTest::addColumn<int>("position");
+        const QString byTitle =
+            QStringLiteral("SELECT * FROM Items ORDER BY ShortDescription DESC");
+        QTest::newRow("key order") << QString(ItemSql::kAllView) << qint64(3) << 2;
+        QTest::newRow("key order, unknown key") << QString(ItemSql::kAllView) << qint64(7) << 0;
+        QTest::newRow("key order, added row") << QString(ItemSql::kAllView) << qint64(5) << 4;
+        QTest::newRow("title order") << byTitle << qint64(1) << 3;
+        QTest::newRow("title order, added row") << byTitle << qint64(5) << 4;
+    }
+    // A bookmark finds its row whatever order the source lists its rows in, rows added since
+    // the source was read among them.
+    void bookmarks()
+    {
+        QFETCH(QString, source);
+        QFETCH(qint64, key);
+        m_env->addNumberedItems(4);
+        auto rs = open(source);
+        QCOMPARE(rs->addNewAndUpdate(), 5);
+        rs->moveFirst();
+        rs->setBookmark(key);
+        QTEST(int(rs->absolutePosition()), "position");
+    }
+
     void editsWrittenWhenLeft_data()
     {
         QTest::addColumn<QString>("operations");
