@@ -212,8 +212,10 @@ void ItemListModel::applyKeys(QList<qint64> keys, bool inViewOrder)
 
 int ItemListModel::rowOf(qint64 key) const
 {
-    // The list follows the item window a move at a time: the row found last or a neighbour.
-    for (const int row : {m_lastRow, m_lastRow + 1, m_lastRow - 1})
+    // The list follows the item window a move at a time: the row found last or a neighbour,
+    // or an end of the list (First and Last, and the view command's own moves).
+    const int last = int(m_keys.size()) - 1;
+    for (const int row : {m_lastRow, m_lastRow + 1, m_lastRow - 1, 0, last})
         if (row >= 0 && row < m_keys.size() && m_keys.at(row) == key)
             return m_lastRow = row;
     // A view and the list sorted by number hold their keys in order, so a far move (the last
