@@ -144,15 +144,24 @@ MailOutcome sendNote(SmtpClient& client, const MailSettings& settings, const Mai
 
     // The client reports each step as the server reaches it; the connections end with `steps`.
     QObject steps;
-    QObject::connect(&client, &SmtpClient::envelopeStarted, &steps,
-                     [&] { show(MailStatus::kAddress); });
+    bool enveloped = false;
+    QObject::connect(&client, &SmtpClient::envelopeStarted, &steps, [&] {
+        enveloped = true;
+        show(MailStatus::kAddress);
+    });
     QObject::connect(&client, &SmtpClient::pieceStarted, &steps, [&](int index) {
         show(index < kHeaderSlots ? MailStatus::header(index) : MailStatus::kMessage);
     });
+    // The envelope takes the bare address; the From line keeps the setting as it is stored.
     const SmtpClient::Result result =
-        client.send(server.server, settings.sendFrom, recipients, pieces);
-    if (!result.ok())
+        client.send(server.server, settings.sendFrom.trimmed(), recipients, pieces);
+    if (!result.ok()) {
+        // A connection that failed still passes the address step before the send gives up, so
+        // the status stops there: header and message steps are skipped once a step has failed.
+        if (!enveloped)
+            show(MailStatus::kAddress);
         return failed(result);
+    }
 
     show(MailStatus::kDisconnecting);
     // The server has taken the message: a goodbye that goes wrong changes nothing for it.

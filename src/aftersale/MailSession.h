@@ -10,7 +10,8 @@
 
 class SmtpClient;
 
-// Where and how notes are sent: the "Options" settings RemoteSMTPHost, RemoteSMTPPort, SendFrom,
+// Where and how notes are sent: the "Options" settings RemoteSMTPHost, RemoteSMTPPort, SendFrom
+// (as stored: the From line carries it so, the envelope gets it trimmed),
 // SMTPSecurity ("", "STARTTLS" or "SSL"), SMTPUser and SMTPPassword. With the last three empty
 // the send is plain SMTP without signing in.
 struct MailSettings
@@ -74,7 +75,8 @@ QList<QByteArray> messagePieces(const QString& sendFrom, const MailNote& note,
                                 const QDateTime& when);
 
 // Sends the note: status "Connecting...", then over one connection "Address..." when the
-// envelope goes out (the trimmed To, and the trimmed cc when it is not blank), "Header 0..." to
+// envelope goes out (the trimmed To, and the trimmed cc when it is not blank; also reached when
+// the connection failed, and where such a send stops), "Header 0..." to
 // "Header 4..." and "Message..." as each part is handed over, then, once the server took the
 // message, "Disconnecting..." and "Message sent...". status(text) is called at each step as it
 // is reached. A failure stops the send where it happened; lastStatus tells which step that was.

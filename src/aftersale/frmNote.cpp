@@ -118,11 +118,11 @@ void frmNote::cmdSend_Click()
 {
     if (m_sending)
         return;
-    // Read now, so an address just entered in Options counts.
+    // Read now, so an address just entered in Options counts. The From line carries it as
+    // stored; only the envelope needs the bare address.
     const QString sendFrom =
-        m_ctx.store.get(Settings::kApp, Settings::kOptions, QStringLiteral("SendFrom"), QString())
-            .trimmed();
-    if (sendFrom.isEmpty()) {
+        m_ctx.store.get(Settings::kApp, Settings::kOptions, QStringLiteral("SendFrom"), QString());
+    if (sendFrom.trimmed().isEmpty()) {
         m_ctx.prompts.message(kNoSendFrom, kMissingInformationTitle, PromptIcon::Exclamation);
         openOptions();
         return;

@@ -118,15 +118,16 @@ private slots:
             QVERIFY(server.events().contains(u"AUTH PLAIN seller ok"_s));
     }
 
-    // Each failure stops the send at its step, where the status stays; nothing arrives.
+    // Each failure stops the send at its step, where the status stays; nothing arrives. A
+    // failed connection still passes "Address..."; settings that cannot be used stop earlier.
     void faults_data()
     {
         QTest::addColumn<Fault>("row");
         // clang-format off
-        QTest::newRow("no server")      << Fault{{}, "127.0.0.1", "1", 22207, "Connecting..."};
-        QTest::newRow("unknown host")   << Fault{{}, "mail.example.invalid", "25", 22205, "Connecting..."};
+        QTest::newRow("no server")      << Fault{{}, "127.0.0.1", "1", 22207, "Address..."};
+        QTest::newRow("unknown host")   << Fault{{}, "mail.example.invalid", "25", 22205, "Address..."};
         QTest::newRow("bad port")       << Fault{{}, "127.0.0.1", "0", 22202, "Connecting..."};
-        QTest::newRow("silent server")  << Fault{{"--hang"}, "127.0.0.1", "", 22209, "Connecting..."};
+        QTest::newRow("silent server")  << Fault{{"--hang"}, "127.0.0.1", "", 22209, "Address..."};
         QTest::newRow("buyer refused")  << Fault{{"--reject-rcpt", kBuyer}, "127.0.0.1", "", 22215, "Address..."};
         QTest::newRow("dropped in data")<< Fault{{"--drop-data"}, "127.0.0.1", "", 22218, "Message..."};
         // clang-format on
