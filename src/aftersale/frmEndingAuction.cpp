@@ -6,6 +6,7 @@
 #include "aftersale/frmSentNote.h"
 #include "aftersale/texts.h"
 #include "db/DataBinder.h"
+#include "db/ItemSql.h"
 #include "platform/DateText.h"
 #include "platform/KeyFilter.h"
 #include "platform/Prompts.h"
@@ -190,7 +191,13 @@ frmEndingAuction* frmEndingAuction::openEndingAuction(AppContext& ctx,
         ctx.state.uploadFiles[slot].clear();
     for (int slot = 1; slot <= 3 && slot <= picturePaths.size(); ++slot)
         ctx.state.uploadFiles[slot] = picturePaths.at(slot - 1);
+    frmEndingAuction* window = showFor(ctx, owner);
+    window->positionOnCurrentItem();
+    return window;
+}
 
+frmEndingAuction* frmEndingAuction::showFor(AppContext& ctx, QWidget& owner)
+{
     auto* window = owner.findChild<frmEndingAuction*>(QString(), Qt::FindDirectChildrenOnly);
     if (!window) {
         window = new frmEndingAuction(ctx, &owner);
@@ -199,7 +206,6 @@ frmEndingAuction* frmEndingAuction::openEndingAuction(AppContext& ctx,
     window->show();
     window->raise();
     window->activateWindow();
-    window->positionOnCurrentItem();
     return window;
 }
 
@@ -313,6 +319,12 @@ void frmEndingAuction::beep()
 void frmEndingAuction::positionOnCurrentItem()
 {
     Data1->findFirst(QLatin1String("ID = ") + QString::number(m_ctx.state.currentItemId));
+    showMoneyAsCurrency();
+}
+
+void frmEndingAuction::positionOnEbayId(const QString& ebayId)
+{
+    Data1->findFirst(ItemSql::byEbayId(ebayId));
     showMoneyAsCurrency();
 }
 

@@ -42,6 +42,9 @@ public:
     // same window comes back while it is open.
     static frmEndingAuction* openEndingAuction(AppContext& ctx, const QStringList& picturePaths,
                                                QWidget& owner);
+    // The owner's window (made when there is none yet) shown and brought to the front, where it
+    // stands; the upload slots are left alone.
+    static frmEndingAuction* showFor(AppContext& ctx, QWidget& owner);
 
     RecordSet& data() { return *Data1; }
     // The box of a field number; nullptr for numbers the window does not have.
@@ -54,6 +57,8 @@ public:
 
     // Stands Data1 on CurrentItemID and shows the money fields as currency.
     void positionOnCurrentItem();
+    // Stands Data1 on the first item of this eBay number, as the clean-up does.
+    void positionOnEbayId(const QString& ebayId);
     // The note window calls this once a note has gone out: Date Contacted for the winner's
     // and the reserve note, Payment Rec'd and Item Shipped for the other two. The date reaches
     // tb2.mdb when the record is saved.

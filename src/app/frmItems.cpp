@@ -1108,10 +1108,14 @@ QStringList frmItems::picturePaths() const
 
 frmEndingAuction* frmItems::endingWindow()
 {
-    frmEndingAuction* ending = frmEndingAuction::openEndingAuction(m_ctx, picturePaths(), *this);
+    return joinedEndingWindow(frmEndingAuction::openEndingAuction(m_ctx, picturePaths(), *this));
+}
+
+frmEndingAuction* frmItems::joinedEndingWindow(frmEndingAuction* ending)
+{
     connect(ending, &frmEndingAuction::noteComposed, this, &frmItems::showComposedNote,
             Qt::UniqueConnection);
-    connect(ending, &frmEndingAuction::cleanupRequested, this, &frmItems::mnuCleanup_Click,
+    connect(ending, &frmEndingAuction::cleanupRequested, this, &frmItems::cleanupAfterShipping,
             Qt::UniqueConnection);
     return ending;
 }
@@ -1136,16 +1140,40 @@ void frmItems::showComposedNote(const ComposedNote& note)
 void frmItems::mnuCleanup_Click()
 {
     Data1->update();
-    const QString ebayId = fieldText(1);
+    standOnEbayId(fieldText(1));
+    const QStringList paths = picturePaths();
+    for (int slot = 1; slot <= 3; ++slot)
+        m_ctx.state.uploadFiles[slot] = paths.at(slot - 1);
+    showCleanup();
+}
+
+// The item just shipped is the ending window's, whichever item this window has moved to since;
+// its pictures are in the upload slots already.
+void frmItems::cleanupAfterShipping()
+{
+    standOnEbayId(m_ctx.state.currentEbayId);
+    showCleanup();
+}
+
+void frmItems::standOnEbayId(const QString& ebayId)
+{
     if (Data1->findFirst(ItemSql::byEbayId(ebayId)) == RecordSet::FindResult::Found) {
         ui->txtCurItem->setText(QString::number(Data1->absolutePosition() + 1));
         UpdateNavigation();
     }
-    const QStringList paths = picturePaths();
-    for (int slot = 1; slot <= 3; ++slot)
-        m_ctx.state.uploadFiles[slot] = paths.at(slot - 1);
+}
+
+void frmItems::showCleanup()
+{
+    // Feedback goes to the buyer of the item this window stands on when Ok is pressed, found
+    // by its eBay number rather than the item the ending window was last opened on.
+    const auto feedbackWindow = [this] {
+        frmEndingAuction* ending = joinedEndingWindow(frmEndingAuction::showFor(m_ctx, *this));
+        ending->positionOnEbayId(fieldText(1));
+        return ending;
+    };
     auto* dialog = new frmCleanup(
-        m_ctx, [this] { showLogo(); }, [this] { return endingWindow(); }, this);
+        m_ctx, [this] { showLogo(); }, feedbackWindow, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->show();
 }

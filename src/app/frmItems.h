@@ -120,6 +120,10 @@ private:
     // After the sale: the note a note command composed goes to a note window.
     void showComposedNote(const ComposedNote& note);
     frmEndingAuction* endingWindow();
+    frmEndingAuction* joinedEndingWindow(frmEndingAuction* ending);
+    void cleanupAfterShipping();
+    void standOnEbayId(const QString& ebayId);
+    void showCleanup();
     QStringList picturePaths() const;
 
     ListingResult runListing(bool remote, bool escape);

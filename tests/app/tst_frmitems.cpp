@@ -5,6 +5,8 @@
 #include "../support/LayoutCheck.h"
 #include "ItemWindowFixture.h"
 
+#include "aftersale/frmCleanup.h"
+#include "aftersale/frmEndingAuction.h"
 #include "listing/BatchListing.h"
 #include "listing/ListingGenerator.h"
 #include "listing/frmAdStudio.h"
@@ -223,6 +225,40 @@ private slots:
         QTest::newRow("799x600") << QSize(799, 600) << true << (799 * 15 - 150) / 15;
         QTest::newRow("800x600") << QSize(800, 600) << false << 11800 / 15;
     }
+    void afterSaleFollowsTheRightItem_data()
+    {
+        addColumns<bool, QString>("shipped", "standsOn");
+        QTest::newRow("Cleanup from the menu, feedback for the item shown") << false << "1002";
+        QTest::newRow("Cleanup after shipping, on the ending window's item") << true << "1001";
+    }
+    // The ending window is opened on one item, then the item window moves on to another.
+    void afterSaleFollowsTheRightItem()
+    {
+        QFETCH(bool, shipped);
+        TestEnvironment env;
+        env.addItems({{{u"EbayID"_s, u"1001"_s}, {u"BuyerEmail"_s, u"a@example.com"_s}},
+                      {{u"EbayID"_s, u"1002"_s}, {u"BuyerEmail"_s, u"b@example.com"_s}}});
+        env.writeFile(u"Leave.htm"_s, ""); // a feedback form with nothing to fill
+        for (const char* key : {"EraseHDImgs", "EraseWebImgs"})
+            env.store().save(u"Tallybid"_s, u"Options"_s, QString::fromLatin1(key), u"0"_s);
+        ItemWindow w(env);
+        w->mnuEnding_Click();
+        auto* ending = w.window->findChild<frmEndingAuction*>();
+        QVERIFY(ending);
+        w->mnuNext_Click();
+        if (shipped)
+            emit ending->cleanupRequested();
+        else
+            w->mnuCleanup_Click();
+        QTEST(w.field(1)->text(), "standsOn");
+        auto* cleanup = w.window->findChild<frmCleanup*>();
+        QVERIFY(cleanup);
+        QTest::mouseClick(cleanup->findChild<QPushButton*>(u"cmdOk"_s), Qt::LeftButton);
+        // Feedback is left, and counted as done, for the buyer of the item the window stands on.
+        QTEST(ending->data().text(u"EbayID"_s), "standsOn");
+        QVERIFY(ending->findChild<QCheckBox*>(u"chkFeedbackComplete"_s)->isChecked());
+    }
+
     void smallScreenHidesViewButtons()
     {
         QFETCH(QSize, screen);
