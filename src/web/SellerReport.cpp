@@ -192,6 +192,8 @@ ApplyResult ApplySellerReport(QSqlDatabase db, const QList<ReportRow>& rows, con
         result.error = error;
         return result;
     };
+    // One transaction for speed only: a report of thousands of rows would otherwise wait for the
+    // disk after every row.
     if (!db.transaction())
         return fail(db.lastError().text());
 
@@ -242,16 +244,18 @@ ApplyResult ApplySellerReport(QSqlDatabase db, const QList<ReportRow>& rows, con
         update.bindValue(ends, storageText(row.Ends));
         update.bindValue(item, row.ItemNumber);
         if (!update.exec()) {
-            const QString error = update.lastError().text();
-            db.rollback();
-            return fail(error);
+            // The report stops at the failing row; the rows before it keep their new values.
+            result.ok = false;
+            result.error = update.lastError().text();
+            break;
         }
         ++result.statements;
     }
     if (!db.commit()) {
         const QString error = db.lastError().text();
         db.rollback();
-        return fail(error);
+        result.statements = 0;
+        return fail(result.error.isEmpty() ? error : result.error);
     }
     return result;
 }

@@ -42,8 +42,8 @@ struct ApplyResult
     QString error;
 };
 
-// Writes the rows into the items with their eBay numbers, all in one transaction: price, check
-// time and dates, and for auctions that ended before `now` the buyer's address and the sale
-// price. A row whose number holds an apostrophe is not applied. On a failure nothing of the
-// report stays applied.
+// Writes the rows into the items with their eBay numbers: price, check time and dates, and for
+// auctions that ended before `now` the buyer's address and the sale price. A row whose number
+// holds an apostrophe is not applied. A row that cannot be stored stops the report there; the
+// rows before it stay applied.
 ApplyResult ApplySellerReport(QSqlDatabase db, const QList<ReportRow>& rows, const QDateTime& now);

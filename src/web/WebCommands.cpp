@@ -34,12 +34,17 @@ int daylightDiff(const AppContext& ctx)
     return leadingNumber(option(ctx, QStringLiteral("DaylightDiff"))) == 1.0 ? 1 : 0;
 }
 
-// The page is left in temp.htm for the browser; a page that cannot be written is not shown.
+// The page is left in temp.htm for the browser. One that cannot be written is not shown, and
+// the seller is told why the browser stays closed.
 void showPage(AppContext& ctx, const QString& page)
 {
     const QString path = ctx.appFile(WebTexts::kShownPage);
-    if (writePrintedFile(path, page))
-        OpenDocument(ctx.shell, path, ctx.state.appPath);
+    if (!writePrintedFile(path, page)) {
+        ctx.prompts.message(WebTexts::pageNotWritten(path), WebTexts::kSaveFailedTitle,
+                            PromptIcon::Exclamation);
+        return;
+    }
+    OpenDocument(ctx.shell, path, ctx.state.appPath);
 }
 
 void reportUpdateFailure(AppContext& ctx, const QString& why)

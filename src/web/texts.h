@@ -21,10 +21,16 @@ inline const QString kReportWithEmails = QStringLiteral("WithEmails");
 inline const QString kShownPage = QStringLiteral("temp.htm");
 
 inline const QString kSaveFailedTitle = QStringLiteral("Error");
+inline QString pageNotWritten(const QString& path)
+{
+    return QLatin1String("The page could not be written to ") + path +
+           QLatin1String(", so it was not opened.");
+}
 inline QString updateFailed(const QString& why)
 {
-    return QLatin1String("The values read from the auction site could not be stored in "
-                         "tb2.mdb, so the items stay as they were.\n\n") +
+    return QLatin1String("Not all the values read from the auction site could be stored in "
+                         "tb2.mdb; the items from the first one that failed on keep their "
+                         "earlier values.\n\n") +
            why;
 }
 

@@ -216,9 +216,16 @@ private slots:
 
     // The start form is fetched, filled from the settings and the item (the advertisement
     // escaped, so the form stays one form; the first picture with a path, at the address the
-    // advertisement gives it) and shown.
+    // advertisement gives it) and shown; a temp.htm that cannot be written is reported instead.
+    void startForm_data()
+    {
+        QTest::addColumn<bool>("writable");
+        QTest::newRow("shown") << true;
+        QTest::newRow("temp.htm not writable") << false;
+    }
     void startForm()
     {
+        QFETCH(bool, writable);
         Site site;
         const QString resources = qEnvironmentVariable("TB_SOURCE_DIR") + "/resources/"_L1;
         QFile::copy(resources + "standard.tbt"_L1, site.env.path(u"standard.tbt"_s));
@@ -234,13 +241,23 @@ private slots:
                             {u"Picture1Path"_s, u"   "_s},
                             {u"Picture2Path"_s, site.env.writeFile(u"vase #2.jpg"_s, "JPEG")},
                             {u"MinBid"_s, 50000}}});
+        if (!writable)
+            QVERIFY(QDir().mkpath(site.env.path(u"temp.htm"_s)));
         ItemWindow w(site.env);
 
         w->toolButton(u"EAdd"_s)->trigger();
 
         QCOMPARE(site.web.requests(), QStringList{kStartPath});
-        QCOMPARE(site.boxes(), QString());
         QCOMPARE(Site::checks(w), "0100");
+        if (!writable) {
+            QCOMPARE(site.boxes(),
+                     box(PromptIcon::Exclamation, u"Error"_s,
+                         u"The page could not be written to %1, so it was not opened."_s.arg(
+                             site.env.path(u"temp.htm"_s))));
+            QVERIFY(site.env.shell().opened.isEmpty());
+            return;
+        }
+        QCOMPARE(site.boxes(), QString());
         const QString shown = site.shownPage();
         for (const QString& piece :
              {u"name=\"userid\" size=\"24\" maxlength=64 value=\"seller@example.com\">"_s,
