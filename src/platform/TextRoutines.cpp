@@ -1,9 +1,10 @@
 #include "platform/TextRoutines.h"
 
+#include "platform/TextCodec.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QStringDecoder>
 #include <QThread>
 
 QString FileNameOfPath(const QString& path)
@@ -114,11 +115,9 @@ QString ReadTextFile(const QString& path)
     // Lines end at CR LF or a lone CR; a line with LF characters inside is split at each one.
     const QByteArray bytes = file.readAll();
     // UTF-8 when the bytes are valid UTF-8; otherwise the file comes from an older 8-bit
-    // editor and each byte is one Latin-1 character, so no character turns into a '?'.
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    QString all = utf8.decode(bytes);
-    if (utf8.hasError())
-        all = QString::fromLatin1(bytes);
+    // editor or a page in the Windows code page, and each byte is one character of it (the
+    // euro sign and curly quotes included), so no character turns into a '?'.
+    const QString all = TextCodec::decodeUtf8OrWindows1252(bytes);
     QString result;
     result.reserve(all.size() + all.size() / 16);
     qsizetype start = 0;

@@ -53,6 +53,10 @@ private slots:
         row("read: empty file", "", [] { return readBack(""); });
         row("read: utf-8", "café\r\n", [] { return readBack("caf\xc3\xa9\n"); });
         row("read: 8-bit", "café £\r\n", [] { return readBack("caf\xe9 \xa3\n"); });
+        row("read: 8-bit quotes and euro", "“5 €”\r\n", [] {
+            return readBack("\x93"
+                            "5 \x80\x94\n");
+        });
         row("read: missing file", "", [] { return readBack({}); });
     }
     void routines()
