@@ -233,7 +233,7 @@ void ItemListPanel::resizeEvent(QResizeEvent* event)
 void ItemListPanel::followRecords()
 {
     if (!m_model->showsView(m_records.keys()))
-        m_model->setView(m_records.keys(), ItemListModel::viewCondition(m_records.recordSource()));
+        m_model->setView(m_records.keys());
     // What was typed into the item just left has been written: show it.
     if (m_shownKey >= 0 && m_shownKey != m_records.bookmark())
         m_model->forgetItem(m_shownKey);

@@ -50,7 +50,7 @@ QString containsPattern(const QString& text)
 
 // Without an index SQLite must read every row, descriptions and all, to sort by a column:
 // hundreds of milliseconds at 100,000 items. The index is made the first time the list is
-// sorted by the column; with the view's Active in it, the sort never reads the rows at all.
+// sorted by the column; it holds the key too, so the sort never reads the rows at all.
 QString sortIndexSql(int column)
 {
     if (column == ItemListModel::EbayId || column == ItemListModel::Active)
@@ -58,6 +58,26 @@ QString sortIndexSql(int column)
     const QString name = columnName(column);
     return QStringLiteral("CREATE INDEX IF NOT EXISTS ItemListBy%1 ON Items (%1, Active)")
         .arg(name);
+}
+
+// The view's rows among the keys a query found: in the view's order when the query only
+// matched, in the query's order when it sorted.
+QList<qint64> keepViewRows(const QList<qint64>& found, const QList<qint64>& view, bool inViewOrder)
+{
+    QList<qint64> out;
+    if (inViewOrder) {
+        const QSet<qint64> matched(found.cbegin(), found.cend());
+        for (const qint64 key : view)
+            if (matched.contains(key))
+                out << key;
+    } else {
+        const QSet<qint64> shown(view.cbegin(), view.cend());
+        out.reserve(std::min(found.size(), view.size()));
+        for (const qint64 key : found)
+            if (shown.contains(key))
+                out << key;
+    }
+    return out;
 }
 
 // Runs a key query on a connection of the calling thread to the same file.
@@ -98,19 +118,9 @@ ItemListModel::~ItemListModel()
     m_worker.waitForDone();
 }
 
-QString ItemListModel::viewCondition(const QString& recordSource)
-{
-    if (recordSource == ItemSql::kActiveView)
-        return QStringLiteral("Active = 1"); // as the view reads "Active = Yes"
-    if (recordSource == ItemSql::kInactiveView)
-        return QStringLiteral("Active = 0");
-    return QStringLiteral("1");
-}
-
-void ItemListModel::setView(const QList<qint64>& keys, const QString& condition)
+void ItemListModel::setView(const QList<qint64>& keys)
 {
     m_viewKeys = keys;
-    m_condition = condition;
     m_cache.clear(); // a new view may be new rows altogether (a restored backup)
     requery();
 }
@@ -133,13 +143,15 @@ void ItemListModel::sort(int column, Qt::SortOrder order)
 ItemListModel::Query ItemListModel::keyQuery() const
 {
     Query q;
-    q.sql = QLatin1String("SELECT ID FROM Items WHERE (") + m_condition + u')';
+    // Not narrowed by the view's condition: an item whose Active box changed stays in the view
+    // until it is opened again, and so in the list. The view's keys pick the rows afterwards.
+    q.sql = QStringLiteral("SELECT ID FROM Items");
     if (!m_filter.isEmpty()) {
         QStringList any;
         for (const char* c :
              {"EbayID", "ShortDescription", "Description", "BuyerName", "BuyerEmail"})
             any << QLatin1String(c) + QLatin1String(" LIKE ?1");
-        q.sql += QLatin1String(" AND (") + any.join(QLatin1String(" OR ")) + u')';
+        q.sql += QLatin1String(" WHERE ") + any.join(QLatin1String(" OR "));
         q.values << containsPattern(m_filter);
     }
     // The views list their rows by key, so the key order is the view's own, read backwards
@@ -160,7 +172,7 @@ void ItemListModel::requery()
     const quint64 ticket = ++*m_latest;
     if (m_filter.isEmpty() && (m_sortColumn < 0 || m_sortColumn == Id)) {
         m_pending = 0;
-        applyKeys(m_viewKeys, false);
+        applyKeys(m_viewKeys);
         return;
     }
     const Query q = keyQuery();
@@ -170,36 +182,29 @@ void ItemListModel::requery()
         m_pending = 0;
         if (!q.index.isEmpty())
             QSqlQuery(m_db).exec(q.index);
-        applyKeys(scanIds(m_db, q.sql, q.values).ids, q.inViewOrder);
+        applyKeys(keepViewRows(scanIds(m_db, q.sql, q.values).ids, m_viewKeys, q.inViewOrder));
         return;
     }
     ++m_pending;
     const QString options = m_db.connectOptions();
     const std::shared_ptr<std::atomic<quint64>> latest = m_latest;
-    m_worker.start([this, latest, ticket, file, options, q] {
+    m_worker.start([this, latest, ticket, file, options, q, view = m_viewKeys] {
         if (latest->load() != ticket)
             return;
         IdScan scan = scanOnOwnConnection(file, options, q);
-        QMetaObject::invokeMethod(this, [this, ticket, q, ids = std::move(scan.ids)]() mutable {
+        QList<qint64> ids = keepViewRows(scan.ids, view, q.inViewOrder);
+        QMetaObject::invokeMethod(this, [this, ticket, ids = std::move(ids)]() mutable {
             m_pending = std::max(0, m_pending - 1);
             if (m_latest->load() == ticket) {
                 m_pending = 0;
-                applyKeys(std::move(ids), q.inViewOrder);
+                applyKeys(std::move(ids));
             }
         });
     });
 }
 
-void ItemListModel::applyKeys(QList<qint64> keys, bool inViewOrder)
+void ItemListModel::applyKeys(QList<qint64> keys)
 {
-    if (inViewOrder) {
-        // The matches as a set, shown in the order the view has them.
-        const QSet<qint64> matched(keys.cbegin(), keys.cend());
-        keys.clear();
-        for (const qint64 key : std::as_const(m_viewKeys))
-            if (matched.contains(key))
-                keys << key;
-    }
     if (m_sortColumn == Id && m_sortOrder == Qt::DescendingOrder)
         std::reverse(keys.begin(), keys.end());
     beginResetModel();

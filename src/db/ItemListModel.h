@@ -38,12 +38,11 @@ public:
     explicit ItemListModel(QSqlDatabase database, QObject* parent = nullptr);
     ~ItemListModel() override;
 
-    // The view: its keys in order and the condition on Items that picks the same rows.
-    void setView(const QList<qint64>& keys, const QString& condition);
+    // The view: its keys in order. The condition that picked them is not asked again: an
+    // item whose Active box changed since stays in the view, and so in the list.
+    void setView(const QList<qint64>& keys);
     // Whether these are the keys the list already shows (the same list, not a copy).
     bool showsView(const QList<qint64>& keys) const { return keys.isSharedWith(m_viewKeys); }
-    // The condition for one of the item windows' record sources.
-    static QString viewCondition(const QString& recordSource);
 
     void setFilterText(const QString& text);
     QString filterText() const { return m_filter; }
@@ -84,12 +83,11 @@ public:
 private:
     Query keyQuery() const;
     void requery();
-    void applyKeys(QList<qint64> keys, bool inViewOrder);
+    void applyKeys(QList<qint64> keys);
     const QVariantList* rowValues(int row) const;
 
     QSqlDatabase m_db;
     QList<qint64> m_viewKeys;
-    QString m_condition = QStringLiteral("1");
     QList<qint64> m_keys; // what the list shows, in its order
     // How m_keys run, found out the first time a key is looked for away from the last one.
     enum class KeyRun

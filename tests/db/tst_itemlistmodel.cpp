@@ -15,9 +15,10 @@ QString cell(const ItemListModel& m, int row, int column)
     return m.data(m.index(row, column)).toString();
 }
 
-// A view sorted on a column, the titles it then shows first and its row count.
+// A view sorted on a column (and searched), the titles it then shows first and its row count.
+// flipFirst: the view's first item changes its Active box after the view was read.
 // clang-format off
-struct Sort { QString source; int column; Qt::SortOrder order; QStringList firstTitles; int rows; };
+struct Sort { QString source; int column; Qt::SortOrder order; QStringList firstTitles; int rows; QString search = {}; bool flipFirst = false; };
 // clang-format on
 
 // The first row rowOf misplaces, looked for in turn, backwards and far apart; "" when none.
@@ -62,7 +63,7 @@ class TestItemListModel : public QObject
         m_records->setRecordSource(source);
         m_records->refresh();
         m_model = std::make_unique<ItemListModel>(m_env->context().itemDatabase);
-        m_model->setView(m_records->keys(), ItemListModel::viewCondition(source));
+        m_model->setView(m_records->keys());
     }
 
 private slots:
@@ -127,14 +128,22 @@ private slots:
         QTest::newRow("title down") << Sort{all, title, Qt::DescendingOrder, {"Ölgemälde, gerahmt", "Vase", "Lamp", "Item 99"}, 304};
         QTest::newRow("ID down, inactive view") << Sort{ItemSql::kInactiveView, ItemListModel::Id, Qt::DescendingOrder, {"Lamp", "Item 300", "Item 297"}, 101};
         QTest::newRow("buyer down, ties by ID") << Sort{all, ItemListModel::Buyer, Qt::DescendingOrder, {"Vase", "Box [new] 50*", "Lamp"}, 304};
+        // An item made active stays in the Inactive view until it is opened again.
+        QTest::newRow("searched, made active since") << Sort{ItemSql::kInactiveView, -1, Qt::AscendingOrder, {"Item 3", "Item 30", "Item 33"}, 6, "item 3", true};
+        QTest::newRow("sorted, made active since") << Sort{ItemSql::kInactiveView, title, Qt::AscendingOrder, {"Item 3", "Item 30", "Item 300"}, 6, "item 3", true};
         // clang-format on
     }
     void sorts()
     {
         QFETCH(Sort, row);
-        const auto& [source, column, order, firstTitles, rows] = row;
+        const auto& [source, column, order, firstTitles, rows, search, flipFirst] = row;
         open(source);
         const QList<qint64> viewKeys = m_records->keys();
+        if (flipFirst)
+            QVERIFY(QSqlQuery(m_env->context().itemDatabase)
+                        .exec(QStringLiteral("UPDATE Items SET Active = 1 - Active WHERE ID = %1")
+                                  .arg(viewKeys.first())));
+        m_model->setFilterText(search);
         m_model->sort(column, order);
         QVERIFY(settle(*m_model));
         QCOMPARE(m_model->rowCount(), rows);
@@ -145,6 +154,7 @@ private slots:
         QCOMPARE(misplacedRow(*m_model), QString());
         QCOMPARE(m_records->keys(), viewKeys);
         // Back to the view's own order.
+        m_model->setFilterText(QString());
         m_model->sort(-1);
         QVERIFY(settle(*m_model));
         QCOMPARE(m_model->keyAt(0), viewKeys.first());
