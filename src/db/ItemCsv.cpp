@@ -6,11 +6,16 @@
 #include "platform/TextCodec.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QSaveFile>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QStringDecoder>
+#include <QUrl>
+
+#include <algorithm>
 
 namespace ItemCsv {
 
@@ -73,7 +78,40 @@ QDateTime parseDate(const QString& text)
         dt = QDateTime::fromString(t, QStringLiteral("yyyy-MM-dd HH:mm"));
     if (!dt.isValid())
         dt = DateText::fromDisplay(t);
+    // "…Z" or "…+01:00" names another zone's clock; items keep the local one.
+    if (dt.isValid() && dt.timeSpec() != Qt::LocalTime)
+        dt = dt.toLocalTime();
     return dt;
+}
+
+// What the item window accepts as an eBay number: digits only, blanks around them aside.
+bool isEbayNumber(const QString& text)
+{
+    const QString t = text.trimmed();
+    return !t.isEmpty() &&
+           std::all_of(t.cbegin(), t.cend(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+// A spreadsheet's empty rows come out as separators alone; they are no item.
+bool allBlank(const QStringList& fields)
+{
+    return std::all_of(fields.cbegin(), fields.cend(),
+                       [](const QString& f) { return f.trimmed().isEmpty(); });
+}
+
+// UTF-16 files start with their byte-order mark; anything else is UTF-8 or, when it is not
+// well-formed UTF-8, Windows-1252.
+QString decodeFile(const QByteArray& bytes)
+{
+    const auto utf16 = [&](QStringConverter::Encoding encoding) {
+        QStringDecoder decode(encoding);
+        return QString(decode(bytes));
+    };
+    if (bytes.startsWith("\xFF\xFE"))
+        return utf16(QStringConverter::Utf16LE);
+    if (bytes.startsWith("\xFE\xFF"))
+        return utf16(QStringConverter::Utf16BE);
+    return TextCodec::decodeUtf8OrWindows1252(bytes);
 }
 
 } // namespace
@@ -91,7 +129,12 @@ QChar detectSeparator(QStringView text)
     int commas = 0;
     int semicolons = 0;
     bool quoted = false;
-    for (const QChar c : text) {
+    // The header is the first line that is not blank, as the reader takes it.
+    qsizetype start = 0;
+    while (start < text.size() &&
+           (text.at(start) == u'\r' || text.at(start) == u'\n' || text.at(start) == QChar(0xFEFF)))
+        ++start;
+    for (const QChar c : text.mid(start)) {
         if (c == u'"')
             quoted = !quoted;
         else if (!quoted && (c == u'\n' || c == u'\r'))
@@ -262,6 +305,13 @@ QVariant importValue(const QString& column, const QString& text, QString* proble
     case ColumnKind::Text:
         break;
     }
+    if (column.compare(QLatin1String("EbayID"), Qt::CaseInsensitive) == 0) {
+        // The auction-site commands put the number into their statements as it stands.
+        if (blank)
+            return QVariant(QMetaType(QMetaType::QString));
+        if (!isEbayNumber(text))
+            return refuse(QStringLiteral("\"%1\" is not an eBay number (digits only)").arg(text));
+    }
     return text.isEmpty() ? QVariant(QMetaType(QMetaType::QString)) : QVariant(text);
 }
 
@@ -300,6 +350,8 @@ ImportPlan planImport(QStringView input)
     const qsizetype width = plan.header.size();
     for (qsizetype r = 1; r < records.size(); ++r) {
         const Record& rec = records.at(r);
+        if (rec.problem.isEmpty() && allBlank(rec.fields))
+            continue;
         ImportRow row;
         row.line = rec.line;
         row.problem = rec.problem;
@@ -331,13 +383,26 @@ ImportPlan planImportFile(const QString& path)
         plan.error = QStringLiteral("The file cannot be read: %1").arg(file.errorString());
         return plan;
     }
-    return planImport(TextCodec::decodeUtf8OrWindows1252(file.readAll()));
+    return planImport(decodeFile(file.readAll()));
 }
 
 Outcome exportItems(const QSqlDatabase& db, const QList<qint64>& ids, const QString& path,
                     const Progress& progress)
 {
     Outcome out;
+    // Replacing the database file under its open connection would lose every item at the next
+    // start; its journal files are no better.
+    const QString name = db.databaseName(); // a path, or a "file:" URI with options
+    const QString live =
+        QFileInfo(name.startsWith(QLatin1String("file:")) ? QUrl(name).toLocalFile() : name)
+            .canonicalFilePath();
+    const QString target = QFileInfo(path).canonicalFilePath();
+    if (!live.isEmpty() && !target.isEmpty() &&
+        (target == live || target == live + QLatin1String("-wal") ||
+         target == live + QLatin1String("-shm") || target == live + QLatin1String("-journal"))) {
+        out.error = QStringLiteral("%1 is the item database in use.").arg(path);
+        return out;
+    }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         out.error = file.errorString();

@@ -87,6 +87,7 @@ void TestItemCsv::parse_data()
     add("semicolons, commas are text", "a;b\r\n1,5;\"x;y\"\r\n", {{"a", "b"}, {"1,5", "x;y"}});
     add("separator told from the header only", "ID;Cost\n1,2,3,4\n", {{"ID", "Cost"}, {"1,2,3,4"}});
     add("semicolons inside a quoted name", "\"a;b;c\",d\n", {{"a;b;c", "d"}});
+    add("blank line before a semicolon header", "\r\na;b\n1,5;2\n", {{"a", "b"}, {"1,5", "2"}});
     add("stray quote kept as written", "5\" tall,2\n", {{"5\" tall", "2"}});
 }
 
@@ -124,6 +125,9 @@ void TestItemCsv::importValue_data()
     add("date only", "DateItemShipped", "2026-02-03", "2026-02-03 00:00:00");
     add("date in the locale's form", "DatePaymentRecd", "2/3/2026", "2026-02-03 00:00:00");
     add("no such month", "DateAuctionStarted", "2026-13-01", {}, "not a date");
+    add("another zone's clock", "LastChecked", "2026-07-01T12:00:00+02:00", "2026-07-01 06:00:00");
+    add("eBay number of digits", "EbayID", " 0123 ", " 0123 ");
+    add("eBay number as a spreadsheet shows it", "EbayID", "1.23457E+11", {}, "not an eBay number");
     add("Active blank is Yes", "Active", "", 1LL);
     add("FeedbackComplete blank is No", "FeedbackComplete", "", 0LL);
     add("Yes/No words", "Active", "FALSE", 0LL);
@@ -184,6 +188,12 @@ void TestItemCsv::plan_data()
          "7: 2 fields where the header has 3", "8: 4 fields where the header has 3",
          "10: a quoted field is not closed"});
     add("Windows-1252 text", "ShortDescription\nCaf\xE9 chair\n", {"ShortDescription"}, {}, 1, {});
+    const QString utf16 = QStringLiteral("ShortDescription;Cost\r\nCaf\u00E9 chair;1\r\n");
+    add("UTF-16 with its byte-order mark",
+        "\xFF\xFE" + QByteArray(reinterpret_cast<const char*>(utf16.utf16()), utf16.size() * 2),
+        {"ShortDescription", "Cost"}, {}, 1, {});
+    add("a spreadsheet's empty rows are no items", "ShortDescription,Cost\nLamp,1\n,\n , \n,,\n",
+        {"ShortDescription", "Cost"}, {}, 1, {});
     add("no column of Items", "Name,Price\nx,1\n", {}, {}, 0, {"names no column"});
     add("empty file", "\xEF\xBB\xBF\r\n", {}, {}, 0, {"The file is empty."});
 }
@@ -209,7 +219,8 @@ void TestItemCsv::plan()
             seen << QStringLiteral("%1: %2").arg(row.line).arg(row.problem);
     QCOMPARE(seen, problems);
     QCOMPARE(plan.badRows, int(problems.size()));
-    if (QTest::currentDataTag() == QLatin1String("Windows-1252 text"))
+    if (QTest::currentDataTag() == QLatin1String("Windows-1252 text") ||
+        QTest::currentDataTag() == QLatin1String("UTF-16 with its byte-order mark"))
         QCOMPARE(plan.rows.first().values.first().toString(), QStringLiteral("Caf\u00E9 chair"));
 }
 
@@ -260,6 +271,12 @@ void TestItemCsv::exportedText()
     const ItemCsv::Outcome failed =
         ItemCsv::exportItems(db, more, env.path(QStringLiteral("no/such/folder/x.csv")));
     QVERIFY(!failed.ok() && !failed.error.isEmpty());
+    // Never over the database in use: the next start would find a text file.
+    const QString live = env.path(QStringLiteral("tb2.mdb"));
+    QVERIFY(!ItemCsv::exportItems(db, more, live).ok());
+    QFile database(live);
+    QVERIFY(database.open(QIODevice::ReadOnly));
+    QVERIFY(database.read(16).startsWith("SQLite format 3"));
 }
 
 // Exported from one database and imported into an empty one: the same items, IDs aside.
