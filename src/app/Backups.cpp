@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <algorithm>
 
@@ -110,8 +111,12 @@ StartupResult backUpIfDue(const QString& appPath, const QString& databasePath, i
         return result;
     }
     result.made = true;
-    // Only after a good copy: old backups never go for one that failed.
-    for (const QString& old : surplus(backupNames(folder), kept))
+    // Only after a good copy: old backups never go for one that failed. The new one stays
+    // whatever the names say: one dated in the future (the clock was set back) would otherwise
+    // outrank it.
+    QStringList others = backupNames(folder);
+    others.removeAll(QFileInfo(result.path).fileName());
+    for (const QString& old : surplus(others, kept - 1))
         QFile::remove(folder + u'/' + old);
     return result;
 }

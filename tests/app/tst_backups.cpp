@@ -81,6 +81,7 @@ private slots:
         QTest::newRow("a day old") << L{"tb2-2026-11-22-120000.mdb"} << true << 1 << L();
         QTest::newRow("newest decides") << L{"tb2-2026-11-01-120000.mdb", "tb2-2026-11-23-110000.mdb"} << false << 1 << L{"tb2-2026-11-01-120000.mdb"};
         QTest::newRow("dated in the future") << L{"tb2-2026-11-24-120000.mdb"} << true << 7 << L();
+        QTest::newRow("dated in the future, one kept") << L{"tb2-2026-11-24-120000.mdb"} << true << 1 << L();
         QTest::newRow("same second: -10 after -9 after the plain name")
             << L{"tb2-2026-11-01-080000.mdb", "tb2-2026-11-01-080000-10.mdb", "tb2-2026-11-01-080000-9.mdb"} << true << 1
             << L{"tb2-2026-11-01-080000-9.mdb", "tb2-2026-11-01-080000.mdb"};
@@ -90,8 +91,19 @@ private slots:
     {
         QFETCH(QStringList, names);
         QFETCH(int, kept);
-        QTEST(Backups::isDue(names, QDateTime(QDate(2026, 11, 23), QTime(12, 0))), "due");
+        const QDateTime now(QDate(2026, 11, 23), QTime(12, 0));
+        QTEST(Backups::isDue(names, now), "due");
         QTEST(Backups::surplus(names, kept), "removed");
+        if (kept < 1 || !Backups::isDue(names, now))
+            return;
+        // A backup made at start is never the one rotated away.
+        TestEnvironment env;
+        QVERIFY(QDir().mkpath(env.path(Backups::kFolder)));
+        for (const QString& name : names)
+            env.writeFile(Backups::kFolder + u'/' + name, "old");
+        const Backups::StartupResult made =
+            Backups::backUpIfDue(env.appPath(), env.path(u"tb2.mdb"_s), kept, now);
+        QVERIFY2(made.made && QFileInfo::exists(made.path), qPrintable(made.error));
     }
 
     void launcherBacksUp_data()
