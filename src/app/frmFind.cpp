@@ -2,6 +2,8 @@
 
 #include "app/FindCriteria.h"
 #include "app/texts.h"
+#include "db/ItemSql.h"
+#include "db/RecordSet.h"
 #include "platform/Database.h"
 #include "platform/KeyFilter.h"
 #include "platform/Prompts.h"
@@ -15,9 +17,12 @@
 #include <QSqlQuery>
 
 frmFind::frmFind(AppContext& ctx, QWidget* parent)
-    : QDialog(parent), m_ctx(ctx), ui(std::make_unique<Ui::frmFind>())
+    : QDialog(parent), m_ctx(ctx), ui(std::make_unique<Ui::frmFind>()),
+      Data1(new RecordSet(ctx.itemDatabase, this))
 {
     ui->setupUi(this);
+    Data1->setObjectName(QStringLiteral("Data1"));
+    Data1->setRecordSource(ItemSql::kItemsTable);
     setWindowTitle(Texts::kFindCaption);
     ui->txtItemNumber->installEventFilter(this);
     connect(ui->cmdItemFind, &QPushButton::clicked, this, &frmFind::cmdItemFind_Click);
@@ -54,15 +59,16 @@ void frmFind::loadDescriptions()
 {
     // Each title once, in item order: choosing it finds its first item. The list is read again
     // only when the items changed since it was last filled.
-    const QString version = dataVersion(m_ctx.itemDatabase);
+    const QString version = dataVersion(Data1->database());
     if (!version.isEmpty() && version == m_descriptionsVersion)
         return;
     m_descriptionsVersion = version;
     const QString chosen = ui->Text1->currentItem() ? ui->Text1->currentItem()->text() : QString();
     ui->Text1->clear();
-    QSqlQuery q(m_ctx.itemDatabase);
+    QSqlQuery q(Data1->database());
     q.setForwardOnly(true);
-    q.exec(QStringLiteral("SELECT ShortDescription FROM Items ORDER BY ID"));
+    q.exec(QLatin1String("SELECT ShortDescription FROM ") + Data1->recordSource() +
+           QLatin1String(" ORDER BY ID"));
     QSet<QString> seen;
     QStringList titles;
     while (q.next()) {

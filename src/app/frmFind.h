@@ -7,6 +7,7 @@ namespace Ui {
 class frmFind;
 }
 class QLineEdit;
+class RecordSet;
 struct AppContext;
 
 // "Find an Item": builds the search request (position, short description or text search) into
@@ -38,6 +39,7 @@ protected:
 private:
     AppContext& m_ctx;
     std::unique_ptr<Ui::frmFind> ui;
+    RecordSet* Data1; // the items table, whose short descriptions fill the list
     QString m_total;
     QString m_descriptionsVersion; // the items' version the list was filled from
 };

@@ -123,7 +123,12 @@ private slots:
         env.addItems(catalogue() << QVariantMap{{u"ShortDescription"_s, u"Lamp"_s}});
         ItemWindow w(env);
         w->mnuLast_Click();
-        find(w, [](frmFind& d) {
+        find(w, [&env](frmFind& d) {
+            // the list is read through the dialog's own data control on the items table
+            auto* data = d.findChild<RecordSet*>(u"Data1"_s);
+            QVERIFY(data);
+            QCOMPARE(data->recordSource(), u"Items"_s);
+            QCOMPARE(data->database().databaseName(), env.context().itemDatabase.databaseName());
             auto* list = d.findChild<QListWidget*>(u"Text1"_s);
             QCOMPARE(list->count(), 5); // the second "Lamp" is listed once
             list->setCurrentItem(list->findItems(u"Lamp"_s, Qt::MatchExactly).first());
