@@ -4,6 +4,8 @@
 #include "platform/DateText.h"
 #include "reports/texts.h"
 
+#include <QTimeZone>
+
 #include <algorithm>
 
 namespace ReportColumns {
@@ -64,6 +66,11 @@ QString header(int column)
     return column >= 0 && column < Count ? *headers[column] : QString();
 }
 
+QString dayText(QDate day, const QLocale& locale)
+{
+    return DateText::toDisplay(QDateTime(day, QTime(0, 0), QTimeZone::utc()), locale);
+}
+
 bool isNumber(int column)
 {
     return column >= SalePrice;
@@ -79,7 +86,7 @@ QString display(const SaleRow& row, int column, const QLocale& locale)
     case Title:
         return row.title;
     case Ended:
-        return DateText::toDisplay(row.ended.startOfDay(), locale);
+        return dayText(row.ended, locale);
     case DaysToPaid:
         return row.daysToPaid ? locale.toString(*row.daysToPaid) : QString();
     case DaysToShipped:

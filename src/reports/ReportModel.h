@@ -25,6 +25,9 @@ enum Column
 };
 
 QString header(int column);
+// A day in the locale's short form, never with a time: in a zone whose clocks skip midnight
+// the day's first moment is 1:00.
+QString dayText(QDate day, const QLocale& locale = QLocale());
 bool isNumber(int column);
 // As the window shows it: money in the locale's currency form, the end date as a short date.
 QString display(const SaleRow& row, int column, const QLocale& locale = QLocale());

@@ -1,12 +1,12 @@
 #include "reports/ReportPages.h"
 
-#include "platform/DateText.h"
 #include "reports/ReportModel.h"
 #include "reports/texts.h"
 
 #include <QFontMetricsF>
 #include <QPagedPaintDevice>
 #include <QPainter>
+#include <QSet>
 
 #include <array>
 #include <functional>
@@ -15,7 +15,9 @@ namespace ReportPages {
 
 namespace {
 
-// Shares of the page's width, in column order.
+using Line = std::array<QString, ReportColumns::Count>;
+
+// Shares of the page's width, in column order: the least each column gets.
 constexpr std::array<double, ReportColumns::Count> kShares = {0.09, 0.20, 0.085, 0.085,  0.08,
                                                               0.08, 0.08, 0.085, 0.1075, 0.1075};
 
@@ -38,16 +40,54 @@ public:
         m_row = metrics.height() * 1.5;
         m_pad = metrics.averageCharWidth() / 2;
         m_footer = m_row * 1.5;
-        double x = 0;
-        for (int c = 0; c < ReportColumns::Count; ++c) {
-            m_left[c] = x;
-            x += kShares[c] * m_width;
-        }
-        m_left[ReportColumns::Count] = m_width;
     }
     ~Pages() { pageNumber(); }
     Pages(const Pages&) = delete;
     Pages& operator=(const Pages&) = delete;
+
+    // Every column but the description at least as wide as its widest text, so no amount,
+    // date or number is ever cut short; the description takes the rest of the width.
+    void fitColumns(const QList<Line>& body, const QList<Line>& bold)
+    {
+        std::array<double, ReportColumns::Count> widths{};
+        const auto widen = [&](const QList<Line>& lines, const QFont& font) {
+            const QFontMetricsF metrics(font, &m_device);
+            for (int c = 0; c < ReportColumns::Count; ++c) {
+                if (c == ReportColumns::Title)
+                    continue;
+                // Amounts and dates repeat: each text is measured once.
+                QSet<QString> seen;
+                for (const Line& line : lines)
+                    if (!seen.contains(line[c])) {
+                        seen.insert(line[c]);
+                        widths[c] = std::max(widths[c], metrics.horizontalAdvance(line[c]));
+                    }
+            }
+        };
+        widen(body, m_body);
+        widen(bold, m_bold);
+        double others = 0;
+        for (int c = 0; c < ReportColumns::Count; ++c) {
+            if (c == ReportColumns::Title)
+                continue;
+            widths[c] = std::max(widths[c] + 3 * m_pad, kShares[c] * m_width);
+            others += widths[c];
+        }
+        // Too much for one page: the columns keep their proportions and the texts are cut.
+        const double room = m_width * (1 - kShares[ReportColumns::Title] / 2);
+        if (others > room) {
+            for (double& w : widths)
+                w *= room / others;
+            others = room;
+        }
+        widths[ReportColumns::Title] = m_width - others;
+        double x = 0;
+        for (int c = 0; c < ReportColumns::Count; ++c) {
+            m_left[c] = x;
+            x += widths[c];
+        }
+        m_left[ReportColumns::Count] = m_width;
+    }
 
     void heading(const QString& title, const QString& period)
     {
@@ -55,19 +95,20 @@ public:
         line(m_body, period, m_row * 1.5);
     }
 
-    void header()
+    void header(const Line& texts)
     {
-        cells([](int c) { return ReportColumns::header(c); }, m_bold, true);
+        m_header = texts;
+        cells(texts, m_bold, true);
     }
 
     // One line of the table; a new page (with the header again) when it does not fit.
-    void row(const std::function<QString(int)>& text, bool bold = false, int keepWith = 1)
+    void row(const Line& texts, bool bold = false, int keepWith = 1)
     {
         if (m_y + m_row * keepWith > m_height - m_footer) {
             newPage();
-            header();
+            cells(m_header, m_bold, true);
         }
-        cells(text, bold ? m_bold : m_body, bold);
+        cells(texts, bold ? m_bold : m_body, bold);
     }
 
     void pictures(const QImage& left, const QImage& right)
@@ -94,7 +135,7 @@ private:
         m_y += height;
     }
 
-    void cells(const std::function<QString(int)>& text, const QFont& font, bool shaded)
+    void cells(const Line& texts, const QFont& font, bool shaded)
     {
         m_painter.setFont(font);
         const QFontMetricsF metrics(font, &m_device);
@@ -106,7 +147,7 @@ private:
             const Qt::Alignment align =
                 (ReportColumns::isNumber(c) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
             m_painter.drawText(cell, align,
-                               metrics.elidedText(text(c), Qt::ElideRight, cell.width()));
+                               metrics.elidedText(texts[c], Qt::ElideRight, cell.width()));
         }
         m_painter.setPen(QPen(Qt::gray, 0));
         m_painter.drawLine(band.bottomLeft(), band.bottomRight());
@@ -135,24 +176,44 @@ private:
     QFont m_body, m_bold, m_title;
     double m_width = 0, m_height = 0, m_row = 0, m_pad = 0, m_footer = 0, m_y = 0;
     std::array<double, ReportColumns::Count + 1> m_left{};
+    Line m_header;
     int m_page = 1;
 };
+
+Line lineOf(const std::function<QString(int)>& text)
+{
+    Line line;
+    for (int c = 0; c < ReportColumns::Count; ++c)
+        line[c] = text(c);
+    return line;
+}
 
 } // namespace
 
 void paint(QPagedPaintDevice& device, const SalesReport& report, const QList<SaleRow>& rows,
            const QImage& salesChart, const QImage& openChart, const QLocale& locale)
 {
+    // Every text once: measured to size the columns, then drawn.
+    QList<Line> body;
+    body.reserve(rows.size());
+    for (const SaleRow& r : rows)
+        body << lineOf([&](int c) { return ReportColumns::display(r, c, locale); });
+    const QList<Line> bold{
+        lineOf([](int c) { return ReportColumns::header(c); }),
+        lineOf([&](int c) { return ReportColumns::totalText(report.totals, c, locale); }),
+        lineOf([&](int c) { return ReportColumns::averageText(report.totals, c, locale); })};
+
     Pages pages(device, locale);
-    const auto day = [&](QDate d) { return DateText::toDisplay(d.startOfDay(), locale); };
+    pages.fitColumns(body, bold);
+    const auto day = [&](QDate d) { return ReportColumns::dayText(d, locale); };
     pages.heading(ReportTexts::kHeading,
                   ReportTexts::kPeriodLine.arg(day(report.range.from), day(report.range.to)));
-    pages.header();
-    for (const SaleRow& r : rows)
-        pages.row([&](int c) { return ReportColumns::display(r, c, locale); });
+    pages.header(bold[0]);
+    for (const Line& line : body)
+        pages.row(line);
     // The totals and averages stay together.
-    pages.row([&](int c) { return ReportColumns::totalText(report.totals, c, locale); }, true, 2);
-    pages.row([&](int c) { return ReportColumns::averageText(report.totals, c, locale); }, true);
+    pages.row(bold[1], true, 2);
+    pages.row(bold[2], true);
     pages.pictures(salesChart, openChart);
 }
 

@@ -15,12 +15,13 @@ namespace {
 const QString kEndIndex = QStringLiteral(
     "CREATE INDEX IF NOT EXISTS ItemListByDateAuctionEnds ON Items (DateAuctionEnds, Active)");
 
-// Sold items and the active ones (which may be unsold or unpaid) whose auction ended in the
-// period. Text comparison is date order for ISO text; anything else is weeded out on reading.
+// Sold items and the active ones (which may be unsold or unpaid) whose auction ended on a day of
+// the period. Text comparison is day order for ISO text, whether a blank or a "T" follows the
+// day; anything else is weeded out on reading, as are today's auctions still running.
 const QString kSelect = QStringLiteral(
     "SELECT ID, EbayID, ShortDescription, DateAuctionEnds, SalePrice, Cost, ShippingCost, "
     "InsuranceCost, DatePaymentRecd, DateItemShipped, Active FROM Items "
-    "WHERE DateAuctionEnds >= :from AND DateAuctionEnds < :until AND DateAuctionEnds <= :now "
+    "WHERE DateAuctionEnds >= :from AND DateAuctionEnds < :until "
     "AND ((typeof(SalePrice) = 'integer' AND SalePrice > 0) OR Active <> 0) "
     "ORDER BY DateAuctionEnds, ID");
 
@@ -49,7 +50,11 @@ std::optional<double> meanDays(qint64 sum, qint64 count)
 {
     if (count <= 0)
         return std::nullopt;
-    return double(sum) / double(count);
+    // Rounded on the exact quotient: the double of 7/20 days is 0.34999.., which would show
+    // as 0.3.
+    const qint64 tenths = sum * 10;
+    const qint64 half = count / 2;
+    return double(tenths >= 0 ? (tenths + half) / count : -((-tenths + half) / count)) / 10;
 }
 
 QDate bucketStart(QDate day, bool byYear)
@@ -123,8 +128,9 @@ SalesReport load(const QSqlDatabase& db, ReportRange range, const QDateTime& now
     q.setForwardOnly(true);
     q.prepare(kSelect);
     q.bindValue(QStringLiteral(":from"), range.from.toString(Qt::ISODate));
-    q.bindValue(QStringLiteral(":until"), range.to.addDays(1).toString(Qt::ISODate));
-    q.bindValue(QStringLiteral(":now"), now.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+    const QDate today = now.date();
+    q.bindValue(QStringLiteral(":until"),
+                std::min(range.to, today).addDays(1).toString(Qt::ISODate));
     if (!q.exec()) {
         report.error = q.lastError().text();
         return report;
@@ -133,9 +139,17 @@ SalesReport load(const QSqlDatabase& db, ReportRange range, const QDateTime& now
     // Open (unsold or unpaid) items by end date, bucketed once the bucket size is known.
     QList<std::pair<QDate, bool>> open; // end date, unsold
     while (q.next()) {
-        const std::optional<QDate> ended = storedDate(q.value(3).toString());
+        const QString endText = q.value(3).toString();
+        const std::optional<QDate> ended = storedDate(endText);
         if (!ended)
             continue;
+        // Ended today: only once its time has passed, compared as a time rather than as text
+        // ("T" sorts after the blank of the usual form).
+        if (*ended == today) {
+            const QDateTime at = DateText::fromStorage(endText);
+            if (!at.isValid() || at > now)
+                continue;
+        }
         const QVariant price = q.value(4);
         const bool sold = price.typeId() == QMetaType::LongLong && price.toLongLong() > 0;
         const std::optional<QDate> paid = storedDate(q.value(8).toString());

@@ -36,7 +36,8 @@ struct ReportTotals
     qint64 daysToPaid = 0, daysToShipped = 0; // sums
 
     Money average(Money sum) const;
-    // Tenths of a day are enough for a mean of whole days; none without a dated item.
+    // Tenths of a day are enough for a mean of whole days: the exact mean rounded half away
+    // from zero to a tenth; none without a dated item.
     std::optional<double> averageDaysToPaid() const;
     std::optional<double> averageDaysToShipped() const;
 };

@@ -26,6 +26,7 @@
 #include <QSaveFile>
 #include <QScrollBar>
 #include <QSplitter>
+#include <QStyle>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -243,9 +244,31 @@ void frmReports::reload()
     const QHeaderView* header = grdReport->horizontalHeader();
     m_model->sort(header->sortIndicatorSection(), header->sortIndicatorOrder());
     m_foot->setTotals(m_report.totals);
+    fitNumberColumns();
     chtSales->setChart(ReportCharts::salesChart(m_report).release()); // the view owns it
     chtOpen->setChart(ReportCharts::openChart(m_report).release());
     applyChartTheme();
+}
+
+// Sums in the millions show whole: a column of figures grows to its header and the foot's
+// texts, the widest figures of most periods. The rows are not measured, which would cost as
+// much as reading a year's items.
+void frmReports::fitNumberColumns()
+{
+    const QFontMetrics header(grdReport->horizontalHeader()->font());
+    const QFontMetrics foot(grdTotals->font());
+    const int margin = 2 * grdReport->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 12;
+    for (int c = 0; c < ReportColumns::Count; ++c) {
+        if (!ReportColumns::isNumber(c))
+            continue;
+        // The header also holds the sort arrow.
+        int width = header.horizontalAdvance(ReportColumns::header(c)) + margin + 16;
+        for (const QString& text : {ReportColumns::totalText(m_report.totals, c),
+                                    ReportColumns::averageText(m_report.totals, c)})
+            width = std::max(width, foot.horizontalAdvance(text) + margin);
+        if (grdReport->columnWidth(c) < width)
+            grdReport->setColumnWidth(c, width);
+    }
 }
 
 void frmReports::changeEvent(QEvent* event)

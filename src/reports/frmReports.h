@@ -41,6 +41,7 @@ protected:
 
 private:
     void applyChartTheme();
+    void fitNumberColumns();
     void periodChosen();
     void datesChosen();
     void showDates(ReportRange range);

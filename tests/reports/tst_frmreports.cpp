@@ -161,11 +161,12 @@ private slots:
 
     void savesPdf()
     {
-        // Enough rows for the table to run onto a second page.
+        // Enough rows for the table to run onto a second page, and amounts in the millions.
         QList<QVariantMap> more;
         for (int i = 0; i < 60; ++i)
             more << sold(QString::number(2000 + i), QDateTime(QDate(kYear - 1, 8, 1), QTime(9, i)),
                          10000 + i * 100, 5000);
+        more << sold(u"3000"_s, QDateTime(QDate(kYear - 1, 9, 1), QTime(9, 0)), 123456789000, 0);
         m_env->addItems(more);
         showAll();
         const QString path = m_env->path(u"report.pdf"_s);
@@ -183,6 +184,24 @@ private slots:
             QCOMPARE(QProcess::execute(pdftoppm, {u"-png"_s, u"-r"_s, u"60"_s, path, out}), 0);
             QVERIFY(QFile::exists(out + u"-1.png"_s));
         }
+        // Every amount whole on the page, the largest sums included.
+        const QString pdftotext = QStandardPaths::findExecutable(u"pdftotext"_s);
+        if (!pdftotext.isEmpty()) {
+            QProcess p;
+            p.start(pdftotext, {path, u"-"_s});
+            QVERIFY(p.waitForFinished(30000));
+            const QString text = QString::fromUtf8(p.readAllStandardOutput());
+            const ReportTotals& totals = m_window->report().totals;
+            for (const QString& amount :
+                 {u"$12,345,678.90"_s, ReportColumns::totalText(totals, ReportColumns::SalePrice),
+                  ReportColumns::averageText(totals, ReportColumns::Net)})
+                QVERIFY2(text.contains(amount), qPrintable(amount + u" not in:\n"_s + text));
+        }
+        // The window shows the sums whole too.
+        auto* foot = child<QTableView>("grdTotals");
+        for (int column : {int(ReportColumns::SalePrice), int(ReportColumns::Net)})
+            QVERIFY(foot->fontMetrics().horizontalAdvance(cellText(foot, 0, column)) <
+                    foot->columnWidth(column));
         // A folder that is not there: the user is told, nothing is written.
         const QString bad = m_env->path(u"missing/report.pdf"_s);
         m_env->prompts().queueFile(bad);

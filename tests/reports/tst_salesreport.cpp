@@ -8,6 +8,8 @@
 
 #include <QtTest>
 
+#include <ctime>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -70,6 +72,9 @@ private slots:
             item("14|2020-02-03 10:00:00|10000|10001|||0"),
             // Sold and unpaid but closed: not open.
             item("15|2024-04-01 10:00:00|30000||||0"),
+            // Stored with a "T": ended on the morning of a later day, and still running at noon.
+            item("16|2024-07-04T09:00:00|50000|10000|||0"),
+            item("17|2024-07-04T15:00:00|60000||||1"),
         });
     }
 
@@ -123,6 +128,8 @@ private slots:
             << QList<qint64>{537751, 113336, 320000, 424415, 67219, 53052, 2, 2};
         QTest::newRow("empty") << QDate(2010, 1, 1) << QDate(2010, 12, 31) << QStringList{}
             << QList<qint64>{0, 0, 0, 0, 0, 0, 0, 0};
+        QTest::newRow("today, read at noon") << QDate(2024, 7, 4) << QDate(2024, 7, 4) << QStringList{"16"}
+            << QList<qint64>{50000, 10000, 40000, 40000, 50000, 40000, 0, 0};
         // clang-format on
     }
     void figures()
@@ -130,8 +137,10 @@ private slots:
         QFETCH(QDate, from);
         QFETCH(QDate, to);
         QFETCH(QStringList, sold);
+        // A period after kNow is read at noon of its last day.
+        const QDateTime now = to > kNow.date() ? QDateTime(to, QTime(12, 0)) : kNow;
         const SalesReport report =
-            SalesReports::load(m_env.context().itemDatabase, {from, to}, kNow);
+            SalesReports::load(m_env.context().itemDatabase, {from, to}, now);
         QVERIFY2(report.error.isEmpty(), qPrintable(report.error));
         QStringList items;
         for (const SaleRow& r : report.rows)
@@ -183,6 +192,53 @@ private slots:
                  u"$10.01"_s);
         QCOMPARE(ReportColumns::totalText(report.totals, ReportColumns::Title, QLocale()),
                  u"4 items sold"_s);
+    }
+
+    // Texts of the table and its foot: a day shown without a time where the clocks skip
+    // midnight, day averages rounded half away from zero on the exact mean.
+    void columnTexts_data()
+    {
+        QTest::addColumn<QByteArray>("zone");
+        QTest::addColumn<QDate>("ended");
+        QTest::addColumn<QList<qint64>>("daysAndDated"); // the foot's sum of days, items dated
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("text");
+        // clang-format off
+        QTest::newRow("end date where midnight is skipped") << "America/Sao_Paulo"_ba << QDate(2018, 11, 4)
+            << QList<qint64>{} << int(ReportColumns::Ended) << u"11/4/2018"_s;
+        QTest::newRow("average of 7 days over 20 items") << QByteArray() << QDate()
+            << QList<qint64>{7, 20} << int(ReportColumns::DaysToPaid) << u"0.4"_s;
+        QTest::newRow("average of -7 days over 20 items") << QByteArray() << QDate()
+            << QList<qint64>{-7, 20} << int(ReportColumns::DaysToShipped) << u"-0.4"_s;
+        // clang-format on
+    }
+    void columnTexts()
+    {
+        QFETCH(QByteArray, zone);
+        QFETCH(QDate, ended);
+        QFETCH(QList<qint64>, daysAndDated);
+        QFETCH(int, column);
+        const QByteArray was = qgetenv("TZ");
+        const auto restore = qScopeGuard([&] {
+            qputenv("TZ", was);
+            tzset();
+        });
+        if (!zone.isEmpty()) {
+            qputenv("TZ", zone);
+            tzset();
+        }
+        const QLocale us(QLocale::English, QLocale::UnitedStates);
+        if (column == ReportColumns::Ended) {
+            SaleRow row;
+            row.ended = ended;
+            QTEST(ReportColumns::display(row, column, us), "text");
+        } else {
+            ReportTotals totals;
+            totals.count = daysAndDated.at(1);
+            totals.paidCount = totals.shippedCount = daysAndDated.at(1);
+            totals.daysToPaid = totals.daysToShipped = daysAndDated.at(0);
+            QTEST(ReportColumns::averageText(totals, column, us), "text");
+        }
     }
 
     void csvRoundTrip()
