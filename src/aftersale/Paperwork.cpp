@@ -1,6 +1,7 @@
 #include "aftersale/Paperwork.h"
 
 #include "aftersale/NoteComposer.h"
+#include "platform/TextCodec.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -102,5 +103,7 @@ std::optional<QString> readPaperTemplate(const QString& path, QString& why)
         why = file.errorString();
         return std::nullopt;
     }
-    return QString::fromUtf8(bytes);
+    // A template edited in an older editor is in the Windows code page, as the program's other
+    // text files may be.
+    return TextCodec::decodeUtf8OrWindows1252(bytes);
 }

@@ -43,6 +43,6 @@ QHash<QString, QString> paperworkValues(const PaperworkData& data,
 // mistyped placeholder shows on the page instead of vanishing.
 QString fillPaperwork(const QString& html, const QHash<QString, QString>& values);
 
-// The template file's text (UTF-8). On failure returns nothing and sets `why` to the system's
-// reason.
+// The template file's text (UTF-8, or Windows-1252 when it is not UTF-8). On failure returns
+// nothing and sets `why` to the system's reason.
 std::optional<QString> readPaperTemplate(const QString& path, QString& why);

@@ -6,9 +6,11 @@
 #include "platform/WindowFitUi.h"
 #include "settings/AppContext.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
 #include <QLocale>
 #include <QPageSize>
 #include <QPrintDialog>
@@ -28,12 +30,20 @@ constexpr qreal kMarginMm = 15;
 
 void printPaperwork(const QString& html, QPrinter& printer)
 {
+    // Laid out at 96 dots an inch, as a browser lays out the template: a point is 1/72 inch
+    // and a pixel 1/96 inch on paper. The page size must be in the same dots, or the page
+    // comes out scaled (a page size in points printed 11pt text at almost 15pt).
+    constexpr int kDotsPerInch = 96;
+    QImage dots(1, 1, QImage::Format_RGB32);
+    dots.setDotsPerMeterX(qRound(kDotsPerInch / 0.0254));
+    dots.setDotsPerMeterY(qRound(kDotsPerInch / 0.0254));
     QTextDocument page;
+    page.documentLayout()->setPaintDevice(&dots);
     page.setDocumentMargin(0);
     page.setHtml(html);
     // A document with a page size is printed as laid out, without the page numbers and the
     // margins QTextDocument adds to one without.
-    page.setPageSize(printer.pageRect(QPrinter::Point).size());
+    page.setPageSize(printer.pageRect(QPrinter::Inch).size() * kDotsPerInch);
     page.print(&printer);
 }
 

@@ -5,6 +5,7 @@
 
 #include "aftersale/Paperwork.h"
 #include "aftersale/frmPaperwork.h"
+#include "platform/TextCodec.h"
 
 #include <optional>
 
@@ -22,11 +23,12 @@ std::optional<QString> poppler(const char* tool, const QStringList& arguments)
     return QString::fromUtf8(p.readAllStandardOutput());
 }
 
-// The paper, the ending-auction window's button for it, and what its PDF page must and must not
-// hold; a paper refused for a missing template or a shipping cost that is no amount, and the
-// "title|text" its message starts with (%1: the template's path).
+// The paper, the ending-auction window's button for it, what its PDF page must and must not
+// hold, and whether its template was saved in the Windows code page; a paper refused for a missing
+// template or a shipping cost that is no amount, and the "title|text" its message starts with (%1:
+// the template's path).
 // clang-format off
-struct Paper { PaperKind kind; QString button; QStringList shown, notShown; };
+struct Paper { PaperKind kind; QString button; QStringList shown, notShown; bool windows1252 = false; };
 struct Refusal { bool withTemplate; QString shipping, message; };
 // clang-format on
 
@@ -76,6 +78,8 @@ private slots:
             {"Pat & Co", "$1,234.50", "$4.10", "$1,238.60", "Sam's Shop", "Smalltown, OH 44000"}, {"{{"}};
         QTest::newRow("packing slip") << Paper{PaperKind::PackingSlip, "cmdPackingSlip",
             {"Pat & Co", "1Z999", "Dayton, NY 12345", "A long blue vase", "Sam's Shop"}, {"{{", "$"}};
+        QTest::newRow("invoice template in the Windows code page") << Paper{PaperKind::Invoice, "cmdInvoice",
+            {"Thank you – schöne Grüße!", "$1,238.60"}, {"\uFFFD"}, true};
         // clang-format on
     }
     void savesOnePagePdf()
@@ -85,7 +89,13 @@ private slots:
         for (const char* name : {"Invoice.htm", "PackingSlip.htm"}) {
             QFile shipped(qEnvironmentVariable("TB_SOURCE_DIR") + "/resources/"_L1 + name);
             QVERIFY(shipped.open(QIODevice::ReadOnly));
-            env.writeFile(QLatin1String(name), shipped.readAll());
+            QByteArray html = shipped.readAll();
+            if (row.windows1252)
+                html = TextCodec::toWindows1252(
+                           QString::fromUtf8(html).replace(u"Thank you for your purchase!"_s,
+                                                           u"Thank you – schöne Grüße!"_s))
+                           .value();
+            env.writeFile(QLatin1String(name), html);
         }
         OptionsRecord& o = env.context().state.options;
         o.sendAddress[0] = u"Sam's Shop"_s;
@@ -125,6 +135,15 @@ private slots:
             QVERIFY2(text.contains(part), qPrintable(part + u" not in:\n"_s + text));
         for (const QString& part : row.notShown)
             QVERIFY2(!text.contains(part), qPrintable(part + u" in:\n"_s + text));
+        // The closing line is set in the template's 11pt: its words stand about that high on
+        // the page, not a third taller.
+        const QString boxes = poppler("pdftotext", {u"-bbox"_s, pdf, u"-"_s}).value_or(QString());
+        const QRegularExpressionMatch thank =
+            QRegularExpression(uR"re(yMin="([\d.]+)" xMax="[\d.]+" yMax="([\d.]+)">Thank<)re"_s)
+                .match(boxes);
+        QVERIFY2(thank.hasMatch(), qPrintable(boxes));
+        const double points = thank.captured(2).toDouble() - thank.captured(1).toDouble();
+        QVERIFY2(points > 11 && points < 11 * 1.35, qPrintable(QString::number(points)));
         // Kept for a look at the page.
         const QString kept = QDir::temp().filePath(u"tallybid-%1.pdf"_s.arg(name));
         QFile::remove(kept);
