@@ -4,7 +4,11 @@
 #include "platform/Money.h"
 
 #include <QHash>
+#include <QLocale>
 #include <QVariant>
+
+#include <cmath>
+#include <optional>
 
 namespace ItemColumns {
 
@@ -54,6 +58,22 @@ constexpr Column kColumns[] = {
     {"TrackingNumber", ColumnKind::Text},
     {"TransNotes", ColumnKind::Text},
 };
+
+// An amount in exponent form ("1e3") is no amount to the money reader, but the money columns
+// would turn the text into the integer it names, which reads back as ten-thousandths (1e3 as
+// 0.10). So it is read as the amount it says, when that fits.
+std::optional<qint64> exponentUnits(const QString& text)
+{
+    const QString t = text.trimmed();
+    if (!t.contains(u'e', Qt::CaseInsensitive))
+        return std::nullopt;
+    bool ok = false;
+    const double amount = QLocale::c().toDouble(t, &ok);
+    const double units = std::round(amount * double(Money::kScale));
+    if (!ok || !std::isfinite(units) || std::abs(units) >= 9.2e18)
+        return std::nullopt;
+    return qint64(units);
+}
 
 } // namespace
 
@@ -113,8 +133,11 @@ QVariant fromText(ColumnKind kind, const QString& text)
     case ColumnKind::Money: {
         if (text.trimmed().isEmpty())
             return QVariant(QMetaType(QMetaType::LongLong));
-        const auto money = Money::parse(text);
-        return money ? QVariant(money->units()) : QVariant(text);
+        if (const auto money = Money::parse(text))
+            return QVariant(money->units());
+        if (const auto units = exponentUnits(text))
+            return QVariant(*units);
+        return QVariant(text);
     }
     case ColumnKind::DateTime:
     case ColumnKind::Date: {

@@ -61,6 +61,9 @@ private slots:
         row("SalePrice", "922337203685477.5807", std::numeric_limits<qint64>::max());
         row("SalePrice", "922337203685477.5808", "922337203685477.5808"); // no wrapping
         row("MinBid", "$5", "$5");
+        row("Cost", "1e3", qint64(10000000), "1000"); // not the integer 1000 the column makes
+        row("LastPrice", "2.5E-1", qint64(2500), "0.25");
+        row("SalePrice", "1e300", "1e300");
         row("Cost", " ", {}, "");
         row("DateAuctionEnds", "6/8/1999 10:00:00 AM", "1999-06-08 10:00:00");
         row("DateAuctionStarted", "06/01/1999 10:00", "1999-06-01 10:00:00",
