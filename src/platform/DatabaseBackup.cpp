@@ -249,6 +249,17 @@ BackupCheck checkBackupFile(const QString& path, const QStringList& requiredColu
             return check;
         }
     }
+    // The Inactive view reads the items through it.
+    QStringList views;
+    columnTexts(h.get(),
+                "SELECT name FROM sqlite_master WHERE type = 'view' AND name = 'ClosedItems'",
+                &views, &error);
+    if (views.isEmpty()) {
+        check.problem = QStringLiteral("The file %1 has no ClosedItems view: it is not a backup of "
+                                       "this program's items.")
+                            .arg(name);
+        return check;
+    }
     QStringList count;
     if (!columnTexts(h.get(), "SELECT count(*) FROM Items", &count, &error)) {
         check.problem = QStringLiteral("The items of %1 cannot be read (%2).").arg(name, error);

@@ -134,6 +134,7 @@ void TestDatabaseBackup::restore_data()
     add("text file", "text", "not a database Tallybid can read");
     add("Items is a view", "view", "holds no Items table");
     add("column missing", "column", "has no column Category");
+    add("no inactive view", "noview", "has no ClosedItems view");
     add("damaged pages", "damaged", "damaged|not a database Tallybid can read");
     add("the database in use", "live", "is the database in use");
 }
@@ -149,7 +150,7 @@ void TestDatabaseBackup::restore()
     QTemporaryDir out;
     QString file = out.filePath(u"candidate.mdb"_s);
     const bool restored = kind == u"restored";
-    if (kind == u"damaged" || kind == u"cancel" || restored)
+    if (kind == u"damaged" || kind == u"cancel" || kind == u"noview" || restored)
         QVERIFY(backupDatabaseFile(env.path(u"tb2.mdb"_s), file).ok());
     if (kind == u"damaged") {
         QByteArray bytes = readBytes(file);
@@ -161,6 +162,8 @@ void TestDatabaseBackup::restore()
         sqlIn(file, {u"DELETE FROM Items WHERE ID > 3"_s});
         if (restored) // the live items go on past the backup's
             env.addNumberedItems(3);
+    } else if (kind == u"noview") {
+        sqlIn(file, {u"DROP VIEW ClosedItems"_s});
     } else if (kind == u"text") {
         QVERIFY(writeBytes(file, QByteArray("ID,EbayID\n1,2\n").repeated(100)));
     } else if (kind == u"view") {
