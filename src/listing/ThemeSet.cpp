@@ -676,7 +676,8 @@ ThemeLoadResult loadTheme(const QString& path, const QString& name, const QStrin
 
 ThemeLoadResult readThemeForListing(const QString& path, const QString& name)
 {
-    if (!QFileInfo::exists(path))
+    // A folder of that name is no themeset either.
+    if (!QFileInfo(path).isFile())
         return {
             {},
             ThemeSetMessage{kThemesetDoesNotExist, kMissingThemesetTitle, PromptIcon::Exclamation}};

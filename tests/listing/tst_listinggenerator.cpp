@@ -110,6 +110,8 @@ private slots:
         // clang-format off
         QTest::newRow("no themeset") << QStringList{"themeset", "@APP@/none.tbt", "Missing Themeset",
             "The requested Themeset file does not exist.  Request aborted."};
+        QTest::newRow("themeset is a folder") << QStringList{"themeset", "@APP@/pics", "Missing Themeset",
+            "The requested Themeset file does not exist.  Request aborted."};
         QTest::newRow("empty themeset") << QStringList{"themeset", "@APP@/empty.tbt", "Invalid Themeset File",
             "Your Themeset file is either empty or not complete.  Please check it."};
         QTest::newRow("no such theme") << QStringList{"theme", "default", "Missing Theme",
