@@ -18,6 +18,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QRegularExpressionValidator>
@@ -280,12 +281,11 @@ bool frmOptions::eventFilter(QObject* watched, QEvent* event)
 {
     Ui::frmOptions& ui = *m_ui;
     if (event->type() == QEvent::FocusOut) {
-        if (watched == ui.txtAuctionDir)
-            ui.txtAuctionDir->setText(normalizeHostImageDir(ui.txtAuctionDir->text()));
-        else if (watched == ui.txtImageLoc)
-            ui.txtImageLoc->setText(normalizeWebImagesUrl(ui.txtImageLoc->text()));
-        else if (watched == ui.txtPastDays)
-            ui.txtPastDays->setText(normalizePastDays(ui.txtPastDays->text()));
+        // A context menu or another window taking the focus leaves the field mid-edit: tidying
+        // it then would put the "/" before what is pasted next.
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)
+            normalizeField(watched);
     } else if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (watched == ui.txtPastDays || watched == ui.txtProxyPort) {
@@ -328,19 +328,23 @@ void frmOptions::updateResizeControls()
         w->setEnabled(on);
 }
 
-void frmOptions::normalizeFields()
+void frmOptions::normalizeField(QObject* field)
 {
-    // The same tidying the fields get when they lose the focus; OK pressed with Enter, or by
-    // its access key, leaves the focus where it was.
-    m_ui->txtAuctionDir->setText(normalizeHostImageDir(m_ui->txtAuctionDir->text()));
-    m_ui->txtImageLoc->setText(normalizeWebImagesUrl(m_ui->txtImageLoc->text()));
-    m_ui->txtPastDays->setText(normalizePastDays(m_ui->txtPastDays->text()));
+    Ui::frmOptions& ui = *m_ui;
+    if (field == ui.txtAuctionDir)
+        ui.txtAuctionDir->setText(normalizeHostImageDir(ui.txtAuctionDir->text()));
+    else if (field == ui.txtImageLoc)
+        ui.txtImageLoc->setText(normalizeWebImagesUrl(ui.txtImageLoc->text()));
+    else if (field == ui.txtPastDays)
+        ui.txtPastDays->setText(normalizePastDays(ui.txtPastDays->text()));
 }
 
 bool frmOptions::applySettings()
 {
     std::optional<WaitCursor> wait(std::in_place);
-    normalizeFields();
+    // OK or Apply pressed with Enter or an access key leaves the focus in the field being
+    // edited: it is tidied as if left. Fields never visited are written as they were loaded.
+    normalizeField(focusWidget());
     SettingsStore& store = m_ctx.store;
     const QString& app = Settings::kApp;
     const QString& o = Settings::kOptions;

@@ -40,7 +40,8 @@ private:
     void connectControls();
     void updateProxyControls();
     void updateResizeControls();
-    void normalizeFields();
+    // The tidying a field gets when the focus leaves it; other objects are left alone.
+    void normalizeField(QObject* field);
 
     void onOk();
     void onTestFtp();

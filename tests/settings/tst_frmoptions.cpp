@@ -54,13 +54,25 @@ class tst_frmOptions : public QObject
             return QString::number(spin->value());
         return qobject_cast<QAbstractButton*>(w)->isChecked() ? "on" : "off";
     }
-    // Types into a field the way a person does: focus, select all, type.
+    // Types into a field the way a person does: focus, select all, type. Where the text holds
+    // "⋮" the field's context menu opens and closes, where it holds "⇥" another window is
+    // active for a while; neither moves the focus within the dialog.
     void retype(const QString& name, const QString& text) const
     {
         edit(name)->setFocus();
         edit(name)->selectAll();
         QTest::keyClick(edit(name), Qt::Key_Backspace);
-        QTest::keyClicks(edit(name), text);
+        for (QString part : text.split(QRegularExpression(u"(?=[⋮⇥])"_s))) {
+            if (part.startsWith(u'⋮') || part.startsWith(u'⇥')) {
+                const auto why =
+                    part.startsWith(u'⋮') ? Qt::PopupFocusReason : Qt::ActiveWindowFocusReason;
+                QFocusEvent out(QEvent::FocusOut, why), in(QEvent::FocusIn, why);
+                QApplication::sendEvent(edit(name), &out);
+                QApplication::sendEvent(edit(name), &in);
+                part.remove(0, 1);
+            }
+            QTest::keyClicks(edit(name), part);
+        }
     }
 
 private slots:
@@ -116,6 +128,9 @@ private slots:
         row({"txtProxyPort",  "80:80x9",        "ProxyPort",  "80809"});
         row({"txtAuctionDir", "\\images\\",     "AuctionDir", "images/"});
         row({"txtImageLoc",   "http://h/~wren", "ImageLoc",   "http://h/~wren/"});
+        row({"txtImageLoc",   "http://h⋮/~wren", "ImageLoc",  "http://h/~wren/"}); // paste
+        row({"txtAuctionDir", "pics⋮\\2004",  "AuctionDir", "pics\\2004/"});
+        row({"txtPastDays",   "⇥12",            "PastDays",   "12"});
         for (int k = 0; k < 9; ++k) // the ninth is on until switched off
             row({QString("chkPayment_%1").arg(k), "", QString("PaymentOpt %1").arg(k + 1), k == 8 ? "0" : "1"});
         for (int k = 0; k < 4; ++k)
@@ -139,7 +154,8 @@ private slots:
         // is on for new settings, off for settings saved before it existed.
         const QString resize = "ResizeForWeb|ResizeLongestSide|ResizeJpegQuality";
         row({"txtPastDays",       {}, "PastDays",   "2",     empty,        "2"});
-        row({"txtAuctionDir",     {}, "AuctionDir", "./",    empty,        ".\\"});
+        row({"txtAuctionDir",     {}, "AuctionDir", ".\\",   empty,        ".\\"}); // never left
+        row({"txtImageLoc",       {}, "ImageLoc",   "http://h", "ImageLoc=http://h", "http://h"});
         row({"chkProxy",          {}, "UseProxy",   "0",     "UseProxy=2", "off"});
         row({"chkProxy",          {}, "UseProxy",   "1",     "UseProxy=1", "on"});
         row({"optOldCat",         {}, "NewCat",     "False", "NewCat=0",   "on"});
