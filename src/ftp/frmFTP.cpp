@@ -88,8 +88,11 @@ void frmFTP::closeEvent(QCloseEvent* event)
 
 void frmFTP::reject()
 {
-    if (!m_running)
-        QDialog::reject();
+    if (m_running)
+        return;
+    // Closing ends this opening; showing the window again runs a new session.
+    m_started = false;
+    QDialog::reject();
 }
 
 void frmFTP::start()
@@ -99,6 +102,12 @@ void frmFTP::start()
     m_started = true;
     m_running = true;
     ui->cmdClose->setEnabled(false);
+    // A reopened window starts as a fresh one: no lines, no meter, no Abort.
+    ui->lstStatus->clear();
+    m_percent = 0;
+    showMeter(false);
+    ui->CancelBtn->setVisible(false);
+    ui->CancelBtn->setEnabled(false);
 
     const AppState& state = m_ctx.state;
     const OptionsRecord& options = state.options;
@@ -145,6 +154,7 @@ void frmFTP::start()
                     sent = runAside(
                         [&] { return fileToSend(step.localPath, copyPath, *m_webCopies); });
                 }
+                m_transferAborted = false;
                 r = m_client->putFile(sent, step.remoteName);
             }
             if (!r.ok())
@@ -178,6 +188,9 @@ void frmFTP::onError(int code)
 
 void frmFTP::onProgress(int percent)
 {
+    // Reports the client queued before it saw the Abort must not bring the meter back.
+    if (m_transferAborted)
+        return;
     if (ui->Gauge->isHidden()) {
         showMeter(true);
         ui->CancelBtn->setVisible(true);
@@ -196,6 +209,7 @@ void frmFTP::onProgress(int percent)
 
 void frmFTP::onAbort()
 {
+    m_transferAborted = true;
     ui->cmdClose->setEnabled(false);
     setBusyPointer(true);
     m_client->cancel();
@@ -214,7 +228,7 @@ bool frmFTP::eventFilter(QObject* watched, QEvent* event)
 void frmFTP::placeMeter()
 {
     const QRect inside = ui->Gauge->contentsRect();
-    ui->Meter->setGeometry(inside.x(), inside.y(), m_percent * inside.width() / 100,
+    ui->Meter->setGeometry(inside.x(), inside.y(), m_percent * ui->Gauge->width() / 100,
                            inside.height());
 }
 

@@ -32,7 +32,7 @@ public:
     void sendWebCopies(const PictureTools::WebCopyOptions& options) { m_webCopies = options; }
 
     // Runs the session; returns when it has logged off (windows stay live meanwhile). Called
-    // by the first showing; calling it again does nothing.
+    // when the window is shown; calling it again before the window is closed does nothing.
     void start();
     bool isRunning() const { return m_running; }
     const FtpErrorState& errorState() const { return m_errors; }
@@ -65,5 +65,6 @@ private:
     bool m_started = false;
     bool m_running = false;
     bool m_busyPointer = false;
+    bool m_transferAborted = false; // the running put was aborted; its late reports are stale
     int m_percent = 0;
 };

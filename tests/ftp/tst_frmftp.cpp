@@ -236,6 +236,14 @@ private slots:
         QVERIFY(window.findChild<QPushButton*>(QStringLiteral("cmdClose"))->isEnabled());
         QCOMPARE(rig.boxes(), QStringList{ftpErrorMessage(row.code)});
         QCOMPARE(rig.content(QStringLiteral("/www/pics/a.jpg")), QByteArray("<missing>"));
+
+        // Closed and shown again, the window runs a session of its own.
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdClose")),
+                          Qt::LeftButton);
+        QVERIFY(window.isHidden());
+        QVERIFY(runSession(&window));
+        QCOMPARE(window.statusLines(), QStringList{"Connecting to " + row.host});
+        QCOMPARE(rig.boxes().size(), 2);
     }
 
     void abortDuringTransfer()
@@ -250,6 +258,7 @@ private slots:
         QPushButton* abort = window.findChild<QPushButton*>(QStringLiteral("CancelBtn"));
         QPushButton* close = window.findChild<QPushButton*>(QStringLiteral("cmdClose"));
         auto* gauge = window.findChild<QFrame*>(QStringLiteral("Gauge"));
+        auto* meter = window.findChild<QFrame*>(QStringLiteral("Meter"));
         QVERIFY(abort->isHidden() && gauge->isHidden()); // until the first progress report
         bool clicked = false;
         QTimer poll;
@@ -258,10 +267,14 @@ private slots:
                 return;
             clicked = true;
             QCOMPARE(layoutProblems(&window), QStringList());
+            emit window.client().progress(37); // the bar is 37% of the gauge's width
+            QCOMPARE(meter->width(), 37 * gauge->width() / 100);
             window.close(); // a running session keeps its window
             QVERIFY(window.isVisible());
             QTest::mouseClick(abort, Qt::LeftButton);
             QVERIFY(!close->isEnabled() && abort->isHidden() && gauge->isHidden());
+            emit window.client().progress(38); // queued by the client before it saw the Abort
+            QVERIFY(abort->isHidden() && !abort->isEnabled() && gauge->isHidden());
         });
         poll.start(20);
         QVERIFY(runSession(&window));
