@@ -318,13 +318,17 @@ void frmEndingAuction::beep()
 
 void frmEndingAuction::positionOnCurrentItem()
 {
-    Data1->findFirst(QLatin1String("ID = ") + QString::number(m_ctx.state.currentItemId));
-    showMoneyAsCurrency();
+    positionOn(ItemSql::byKey(m_ctx.state.currentItemId));
 }
 
 void frmEndingAuction::positionOnEbayId(const QString& ebayId)
 {
-    Data1->findFirst(ItemSql::byEbayId(ebayId));
+    positionOn(ItemSql::byEbayId(ebayId));
+}
+
+void frmEndingAuction::positionOn(const QString& criteria)
+{
+    Data1->findFirst(criteria);
     showMoneyAsCurrency();
 }
 

@@ -99,6 +99,7 @@ protected:
 private:
     class Binding;
 
+    void positionOn(const QString& criteria);
     void buildToolbar();
     void setUpSentNotes();
     void bindFields();

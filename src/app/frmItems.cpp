@@ -239,8 +239,7 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
     m_itemList = ItemListPanel::dockInto(*this, *ui->mnuView, *Data1, m_ctx.store);
     connect(m_itemList, &ItemListPanel::itemChosen, this, [this](qint64 key) {
         Data1->setBookmark(key);
-        ui->txtCurItem->setText(QString::number(Data1->absolutePosition() + 1));
-        UpdateNavigation();
+        showPosition();
     });
 
     // Upload and listing stay off until an item says they can work.
@@ -958,8 +957,7 @@ void frmItems::mnuFind_Click()
     } else if (!criteria.trimmed().isEmpty()) {
         runFind(dialog.searchFromFirst(), criteria);
     }
-    ui->txtCurItem->setText(QString::number(Data1->absolutePosition() + 1));
-    UpdateNavigation();
+    showPosition();
 }
 
 void frmItems::mnuFindAgain_Click()
@@ -968,8 +966,7 @@ void frmItems::mnuFindAgain_Click()
     if (criteria == Texts::kItemSearch || criteria.trimmed().isEmpty())
         return;
     runFind(findDialog().searchFromFirst(), criteria);
-    ui->txtCurItem->setText(QString::number(Data1->absolutePosition() + 1));
-    UpdateNavigation();
+    showPosition();
 }
 
 // ---------------------------------------------------------------- listing
@@ -1155,11 +1152,17 @@ void frmItems::cleanupAfterShipping()
     showCleanup();
 }
 
+// After a move by choice or search: the counter shows where Data1 now stands.
+void frmItems::showPosition()
+{
+    ui->txtCurItem->setText(QString::number(Data1->absolutePosition() + 1));
+    UpdateNavigation();
+}
+
 void frmItems::standOnEbayId(const QString& ebayId)
 {
     if (Data1->findFirst(ItemSql::byEbayId(ebayId)) == RecordSet::FindResult::Found) {
-        ui->txtCurItem->setText(QString::number(Data1->absolutePosition() + 1));
-        UpdateNavigation();
+        showPosition();
     }
 }
 

@@ -122,6 +122,7 @@ private:
     frmEndingAuction* endingWindow();
     frmEndingAuction* joinedEndingWindow(frmEndingAuction* ending);
     void cleanupAfterShipping();
+    void showPosition();
     void standOnEbayId(const QString& ebayId);
     void showCleanup();
     QStringList picturePaths() const;

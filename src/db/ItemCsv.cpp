@@ -1,6 +1,7 @@
 #include "db/ItemCsv.h"
 
 #include "db/ItemColumns.h"
+#include "platform/Database.h"
 #include "platform/DateText.h"
 #include "platform/Money.h"
 #include "platform/TextCodec.h"
@@ -13,7 +14,6 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QStringDecoder>
-#include <QUrl>
 
 #include <algorithm>
 
@@ -392,10 +392,7 @@ Outcome exportItems(const QSqlDatabase& db, const QList<qint64>& ids, const QStr
     Outcome out;
     // Replacing the database file under its open connection would lose every item at the next
     // start; its journal files are no better.
-    const QString name = db.databaseName(); // a path, or a "file:" URI with options
-    const QString live =
-        QFileInfo(name.startsWith(QLatin1String("file:")) ? QUrl(name).toLocalFile() : name)
-            .canonicalFilePath();
+    const QString live = QFileInfo(fileOfConnection(db)).canonicalFilePath();
     const QString target = QFileInfo(path).canonicalFilePath();
     if (!live.isEmpty() && !target.isEmpty() &&
         (target == live || target == live + QLatin1String("-wal") ||

@@ -281,13 +281,6 @@ KeysRead readKeysToKeep(const QString& name, const QString& file, const QString&
     return read;
 }
 
-// The file behind a connection, whose name may be a "file:" URI with options.
-QString fileOfConnection(const QSqlDatabase& db)
-{
-    const QString name = db.databaseName();
-    return name.startsWith(QLatin1String("file:")) ? QUrl(name).toLocalFile() : name;
-}
-
 } // namespace
 
 KeptStatement::~KeptStatement()
@@ -613,4 +606,10 @@ QString createDatabaseIfMissing(const QString& path, const QString& schemaScript
     if (!QFile::rename(temp, path))
         return QStringLiteral("could not move %1 into place").arg(temp);
     return {};
+}
+
+QString fileOfConnection(const QSqlDatabase& db)
+{
+    const QString name = db.databaseName();
+    return name.startsWith(QLatin1String("file:")) ? QUrl(name).toLocalFile() : name;
 }

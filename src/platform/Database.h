@@ -163,6 +163,9 @@ private:
     KeptStatement m_statement;
 };
 
+// The file behind a connection, whose name may be a "file:" URI with options.
+QString fileOfConnection(const QSqlDatabase& db);
+
 // Changes whenever rows of the database may have changed, by this connection or another one:
 // lets a window keep what it read until then.
 QString dataVersion(const QSqlDatabase& db);
