@@ -7,57 +7,45 @@
 
 namespace {
 
-QTableView* table(const ItemWindow& w)
+// An item window with the list's controls at hand.
+struct ListWindow : ItemWindow
 {
-    return w.child<QTableView>(u"lvwItems"_s);
-}
-QLineEdit* search(const ItemWindow& w)
-{
-    return w.child<QLineEdit>(u"txtItemSearch"_s);
-}
-QDockWidget* dock(const ItemWindow& w)
-{
-    return w.child<QDockWidget>(u"dockItemList"_s);
-}
-QAction* viewMenu(const ItemWindow& w)
-{
-    return w.menu(u"mnuViewItemList"_s);
-}
-int rowsShown(const ItemWindow& w)
-{
-    return table(w)->model()->rowCount();
-}
-ItemListModel& model(const ItemWindow& w)
-{
-    return *static_cast<ItemListModel*>(table(w)->model());
-}
-bool settle(const ItemWindow& w)
-{
-    QSignalSpy applied(&model(w), &ItemListModel::keysApplied);
-    return !model(w).isBusy() || applied.wait(5000);
-}
-void clickRow(const ItemWindow& w, int row, Qt::KeyboardModifiers keys = {})
-{
-    QTableView* t = table(w);
-    const QModelIndex at = t->model()->index(row, ItemListModel::Title);
-    t->scrollTo(at);
-    QTest::mouseClick(t->viewport(), Qt::LeftButton, keys, t->visualRect(at).center());
-}
-void clickHeader(const ItemWindow& w, int column)
-{
-    QHeaderView* h = table(w)->horizontalHeader();
-    QTest::mouseClick(h->viewport(), Qt::LeftButton, {},
-                      QPoint(h->sectionViewportPosition(column) + 5, h->height() / 2));
-}
-int selectedRow(const ItemWindow& w)
-{
-    const QModelIndexList rows = table(w)->selectionModel()->selectedRows();
-    return rows.size() == 1 ? rows.first().row() : -1;
-}
-QString titleAt(const ItemWindow& w, int row)
-{
-    return model(w).data(model(w).index(row, ItemListModel::Title)).toString();
-}
+    using ItemWindow::ItemWindow;
+    QTableView* table() const { return child<QTableView>(u"lvwItems"_s); }
+    QLineEdit* search() const { return child<QLineEdit>(u"txtItemSearch"_s); }
+    QDockWidget* dock() const { return child<QDockWidget>(u"dockItemList"_s); }
+    QAction* viewMenu() const { return menu(u"mnuViewItemList"_s); }
+    ItemListModel& model() const { return *static_cast<ItemListModel*>(table()->model()); }
+    int rowsShown() const { return model().rowCount(); }
+    QString titleAt(int row) const
+    {
+        return model().index(row, ItemListModel::Title).data().toString();
+    }
+    bool settle() const
+    {
+        QSignalSpy applied(&model(), &ItemListModel::keysApplied);
+        return !model().isBusy() || applied.wait(5000);
+    }
+    void clickRow(int row, Qt::KeyboardModifiers keys = {}) const
+    {
+        const QModelIndex at = model().index(row, ItemListModel::Title);
+        table()->scrollTo(at);
+        QTest::mouseClick(table()->viewport(), Qt::LeftButton, keys,
+                          table()->visualRect(at).center());
+    }
+    void clickTitleHeader() const
+    {
+        QHeaderView* h = table()->horizontalHeader();
+        QTest::mouseClick(
+            h->viewport(), Qt::LeftButton, {},
+            QPoint(h->sectionViewportPosition(ItemListModel::Title) + 5, h->height() / 2));
+    }
+    int selectedRow() const
+    {
+        const QModelIndexList rows = table()->selectionModel()->selectedRows();
+        return rows.size() == 1 ? rows.first().row() : -1;
+    }
+};
 
 } // namespace
 
@@ -71,29 +59,29 @@ private slots:
     {
         TestEnvironment env;
         env.addNumberedItems(9);
-        ItemWindow w(env);
+        ListWindow w(env);
         w->mnuAll_Click();
-        QCOMPARE(rowsShown(w), 9);
-        QCOMPARE(titleAt(w, 8), u"Item 9"_s);
-        QCOMPARE(selectedRow(w), 0);
-        clickRow(w, 6);
+        QCOMPARE(w.rowsShown(), 9);
+        QCOMPARE(w.titleAt(8), u"Item 9"_s);
+        QCOMPARE(w.selectedRow(), 0);
+        w.clickRow(6);
         QCOMPARE(w.counters(), u"7/9"_s);
         QCOMPARE(w.field(3)->text(), u"Item 7"_s);
         QCOMPARE(w.navigation(), u"11111"_s);
         w->mnuNext_Click();
-        QCOMPARE(selectedRow(w), 7);
+        QCOMPARE(w.selectedRow(), 7);
         w->mnuLast_Click();
-        QCOMPARE(selectedRow(w), 8);
+        QCOMPARE(w.selectedRow(), 8);
         QCOMPARE(w.navigation(), u"11011"_s);
         w->mnuFirst_Click();
-        QCOMPARE(selectedRow(w), 0);
+        QCOMPARE(w.selectedRow(), 0);
         w->mnuOpen_Click();
-        QCOMPARE(rowsShown(w), 6);
-        QCOMPARE(titleAt(w, 2), u"Item 4"_s);
+        QCOMPARE(w.rowsShown(), 6);
+        QCOMPARE(w.titleAt(2), u"Item 4"_s);
         w->mnuAll_Click();
         w->mnuAdd_Click();
-        QCOMPARE(rowsShown(w), 10);
-        QCOMPARE(selectedRow(w), 9);
+        QCOMPARE(w.rowsShown(), 10);
+        QCOMPARE(w.selectedRow(), 9);
     }
 
     // Leaving an item through the list writes what was typed, and the list shows it. Rows are
@@ -102,18 +90,18 @@ private slots:
     {
         TestEnvironment env;
         const QList<qint64> ids = env.addNumberedItems(6);
-        ItemWindow w(env);
+        ListWindow w(env);
         w->mnuAll_Click();
         w.field(3)->selectAll();
         QTest::keyClicks(w.field(3), u"Teapot"_s);
-        clickRow(w, 2);
+        w.clickRow(2);
         QCOMPARE(env.storedValue(ids.first(), u"ShortDescription"_s).toString(), u"Teapot"_s);
-        QCOMPARE(titleAt(w, 0), u"Teapot"_s);
+        QCOMPARE(w.titleAt(0), u"Teapot"_s);
         QCOMPARE(w.field(3)->text(), u"Item 3"_s);
         auto* panel = w.child<ItemListPanel>(u"ItemListPanel"_s);
-        clickRow(w, 4);
+        w.clickRow(4);
         QCOMPARE(panel->selectedKeys(), QList<qint64>{ids.at(4)});
-        clickRow(w, 1, Qt::ControlModifier);
+        w.clickRow(1, Qt::ControlModifier);
         QCOMPARE(panel->selectedKeys(), (QList<qint64>{ids.at(1), ids.at(4)}));
         w->mnuNext_Click();
         QCOMPARE(panel->selectedKeys().size(), 1);
@@ -124,23 +112,23 @@ private slots:
     {
         TestEnvironment env;
         env.addNumberedItems(12);
-        ItemWindow w(env);
+        ListWindow w(env);
         w->mnuAll_Click();
         const QList<qint64> order = w->data().keys();
-        clickHeader(w, ItemListModel::Title);
-        QVERIFY(settle(w));
-        QCOMPARE(titleAt(w, 1), u"Item 10"_s);
-        clickHeader(w, ItemListModel::Title);
-        QVERIFY(settle(w));
-        QCOMPARE(titleAt(w, 0), u"Item 9"_s);
+        w.clickTitleHeader();
+        QVERIFY(w.settle());
+        QCOMPARE(w.titleAt(1), u"Item 10"_s);
+        w.clickTitleHeader();
+        QVERIFY(w.settle());
+        QCOMPARE(w.titleAt(0), u"Item 9"_s);
         QCOMPARE(w->data().keys(), order);
         QCOMPARE(w.current(), u"1"_s);
-        QCOMPARE(selectedRow(w), 11); // Item 1 is last now
-        clickRow(w, 0);
+        QCOMPARE(w.selectedRow(), 11); // Item 1 is last now
+        w.clickRow(0);
         QCOMPARE(w.current(), u"9"_s);
         w->mnuNext_Click();
         QCOMPARE(w.field(3)->text(), u"Item 10"_s);
-        QCOMPARE(titleAt(w, selectedRow(w)), u"Item 10"_s);
+        QCOMPARE(w.titleAt(w.selectedRow()), u"Item 10"_s);
     }
 
     // Typing narrows the list; Escape brings every row back. Ctrl+F in the list goes to the box.
@@ -148,22 +136,22 @@ private slots:
     {
         TestEnvironment env;
         env.addNumberedItems(30);
-        ItemWindow w(env);
+        ListWindow w(env);
         w->mnuAll_Click();
-        QCOMPARE(search(w)->placeholderText(), u"Search items"_s);
-        table(w)->setFocus();
-        QTest::keyClick(table(w), Qt::Key_F, Qt::ControlModifier);
-        QVERIFY(search(w)->hasFocus());
-        QTest::keyClicks(search(w), u"ITEM 2"_s);
-        QVERIFY(settle(w));
-        QCOMPARE(rowsShown(w), 11);
+        QCOMPARE(w.search()->placeholderText(), u"Search items"_s);
+        w.table()->setFocus();
+        QTest::keyClick(w.table(), Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(w.search()->hasFocus());
+        QTest::keyClicks(w.search(), u"ITEM 2"_s);
+        QVERIFY(w.settle());
+        QCOMPARE(w.rowsShown(), 11);
         QCOMPARE(w.total(), u"30"_s);
-        clickRow(w, 1);
+        w.clickRow(1);
         QCOMPARE(w.current(), u"20"_s);
-        QTest::keyClick(search(w), Qt::Key_Escape);
-        QVERIFY(search(w)->text().isEmpty());
-        QCOMPARE(rowsShown(w), 30);
-        QCOMPARE(selectedRow(w), 19);
+        QTest::keyClick(w.search(), Qt::Key_Escape);
+        QVERIFY(w.search()->text().isEmpty());
+        QCOMPARE(w.rowsShown(), 30);
+        QCOMPARE(w.selectedRow(), 19);
     }
 
     void narrowWindowStartsWithoutIt_data()
@@ -177,12 +165,11 @@ private slots:
     void narrowWindowStartsWithoutIt()
     {
         QFETCH(QSize, screen);
-        QFETCH(bool, shown);
         TestEnvironment env;
         env.addNumberedItems(3);
-        ItemWindow w(env, screen);
-        QCOMPARE(dock(w)->isVisible(), shown);
-        QCOMPARE(viewMenu(w)->isChecked(), shown);
+        ListWindow w(env, screen);
+        QTEST(w.dock()->isVisible(), "shown");
+        QTEST(w.viewMenu()->isChecked(), "shown");
         QVERIFY(env.store().get(u"Tallybid"_s, u"System"_s, u"ItemListVisible"_s).isEmpty());
     }
 
@@ -199,10 +186,10 @@ private slots:
                        {u"Cost"_s, 34567.89},
                        {u"LastPrice"_s, 45678.91},
                        {u"Active"_s, true}}});
-        ItemWindow w(env);
+        ListWindow w(env);
         w->mnuLast_Click();
         QCOMPARE(w.counters(), u"1000/1000"_s);
-        QVERIFY(dock(w)->isVisible());
+        QVERIFY(w.dock()->isVisible());
         QCOMPARE(w->width(), 786);
         for (const auto& name :
              {u"txtCurItem"_s, u"txtTotItem"_s, u"txtFields_0"_s, u"txtFields_8"_s,
@@ -211,8 +198,8 @@ private slots:
             QStyleOptionFrame frame;
             frame.initFrom(box);
             const int border = box->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &frame, box);
-            const int room = box->width() - 2 * border - 4;
-            QVERIFY2(box->fontMetrics().horizontalAdvance(box->text()) <= room,
+            QVERIFY2(box->fontMetrics().horizontalAdvance(box->text()) <=
+                         box->width() - 2 * border - 4,
                      qPrintable(name + u" cuts "_s + box->text()));
         }
         // Anything longer than an amount scrolls in its box, as text does.
@@ -227,25 +214,24 @@ private slots:
         TestEnvironment env;
         env.addNumberedItems(3);
         {
-            ItemWindow w(env);
-            table(w)->horizontalHeader()->resizeSection(ItemListModel::Title, 211);
-            w->resizeDocks({dock(w)}, {150}, Qt::Horizontal);
-            QTRY_COMPARE(dock(w)->width(), 150);
-            viewMenu(w)->trigger();
-            QVERIFY(!dock(w)->isVisible());
+            ListWindow w(env);
+            w.table()->horizontalHeader()->resizeSection(ItemListModel::Title, 211);
+            w->resizeDocks({w.dock()}, {150}, Qt::Horizontal);
+            QTRY_COMPARE(w.dock()->width(), 150);
+            w.viewMenu()->trigger();
+            QVERIFY(!w.dock()->isVisible());
         }
-        {
-            ItemWindow w(env);
-            QVERIFY(!dock(w)->isVisible());
-            QVERIFY(!viewMenu(w)->isChecked());
-            QCOMPARE(table(w)->horizontalHeader()->sectionSize(ItemListModel::Title), 211);
-            viewMenu(w)->trigger();
-            QVERIFY(dock(w)->isVisible());
-            QTRY_COMPARE(dock(w)->width(), 150);
+        for (const bool hidden : {true, false}) {
+            ListWindow w(env);
+            QCOMPARE(w.dock()->isVisible(), !hidden);
+            QCOMPARE(w.viewMenu()->isChecked(), !hidden);
+            if (hidden) {
+                QCOMPARE(w.table()->horizontalHeader()->sectionSize(ItemListModel::Title), 211);
+                w.viewMenu()->trigger();
+                QVERIFY(w.dock()->isVisible());
+            }
+            QTRY_COMPARE(w.dock()->width(), 150);
         }
-        ItemWindow w(env);
-        QVERIFY(dock(w)->isVisible());
-        QTRY_COMPARE(dock(w)->width(), 150);
     }
 };
 

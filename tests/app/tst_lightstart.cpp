@@ -1,7 +1,6 @@
 // What start-up leaves unread: picture plugins nothing shown needs, and the network library
-// until a transfer. And what the cheaper ways
-// of reading pictures give: the same icons QIcon and the style would have given. Run at scale
-// factors 1 and 2.
+// until a transfer. And what the cheaper ways of reading pictures give: the same icons QIcon and
+// the style would have given. Run at scale factors 1 and 2.
 #include "ItemWindowFixture.h"
 #include "platform/AppImages.h"
 #include "platform/DeferredIconStyle.h"
@@ -22,11 +21,6 @@ QStringList mappedFiles(const QByteArray& marker)
             found << name;
     }
     return found;
-}
-
-QStringList loadedPicturePlugins()
-{
-    return mappedFiles("/imageformats/");
 }
 
 QImage image(const QPixmap& pixmap)
@@ -58,7 +52,8 @@ private slots:
     // First: nothing before it may have read a picture the guessing way.
     void startReadsNoPicturePlugin()
     {
-        QVERIFY2(loadedPicturePlugins().isEmpty(), qPrintable(loadedPicturePlugins().join(u' ')));
+        const QStringList early = mappedFiles("/imageformats/");
+        QVERIFY2(early.isEmpty(), qPrintable(early.join(u' ')));
         TestEnvironment env;
         env.addNumberedItems(3);
         Started run(env, appdirArguments(env.appPath()), env.appPath());
@@ -69,7 +64,7 @@ private slots:
             QVERIFY2(!w->isVisible() || !w->inherits("QSplashScreen"), "the splash is still up");
         run.launcher.window()->grab(); // every icon shown is drawn
         // The logo an item without pictures shows is a GIF: its own plugin, found by name.
-        QStringList loaded = loadedPicturePlugins();
+        QStringList loaded = mappedFiles("/imageformats/");
         loaded.removeAll(u"libqgif.so"_s);
         QVERIFY2(loaded.isEmpty(), qPrintable(loaded.join(u' ')));
         QVERIFY2(mappedFiles("/libcurl").isEmpty(), "libcurl was loaded before any transfer");
@@ -79,7 +74,7 @@ private slots:
         if (QDir(plugins).entryList(QDir::Files).size() < 2)
             QSKIP("fewer than two picture plugins installed");
         QImageReader(u":/icons/Add.png"_s).read();
-        QVERIFY(loadedPicturePlugins().size() >= 2);
+        QVERIFY(mappedFiles("/imageformats/").size() >= 2);
     }
 
     void pngIconIsQIcon_data()
@@ -142,15 +137,12 @@ private slots:
             << QByteArray("P6\n5 3\n255\n") + good.mid(11) << false;
         QTest::newRow("cut short") << good.chopped(1) << false;
         QTest::newRow("too long") << good + '\0' << false;
-        QByteArray huge = good;
-        huge[5] = '\x7f'; // width 0x7f05
-        QTest::newRow("too wide") << huge << false;
-        QByteArray format = good;
-        format[12] = char(QImage::Format_Mono);
-        QTest::newRow("other pixel format") << format << false;
-        QByteArray ratio = good;
-        ratio[16] = 0;
-        QTest::newRow("pixel ratio 0") << ratio << false;
+        const auto patched = [&](int at, char byte) {
+            return QByteArray(good).replace(at, 1, &byte, 1);
+        };
+        QTest::newRow("too wide") << patched(5, '\x7f') << false; // width 0x7f05
+        QTest::newRow("other pixel format") << patched(12, char(QImage::Format_Mono)) << false;
+        QTest::newRow("pixel ratio 0") << patched(16, 0) << false;
     }
     void decodedForm()
     {
