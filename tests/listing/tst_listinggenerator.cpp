@@ -196,8 +196,6 @@ private slots:
         QVERIFY(result.ok());
         QCOMPARE(readAll(listingFilePath(m_dir.path())), (result.html + "\r\n").toUtf8());
         QCOMPARE(QFile::exists(app(name)), !removed);
-        other.close();
-        QFile::remove(app(name));
     }
 
 private:

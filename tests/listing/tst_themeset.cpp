@@ -84,7 +84,6 @@ private slots:
         // A lookup finds the first record of a name; sizes come back as whole points, half to even.
         wide.fonts[2].size = 10;
         QCOMPARE(*load(u"Wide"_s).theme, wide);
-        QCOMPARE(*load(u"New"_s).theme, Theme::newTheme(u"New"_s));
         QCOMPARE(
             *load(u"wide"_s).message,
             ThemeSetMessage("The theme wide was not found in the Themeset " + file() + ". Aborted",
