@@ -19,7 +19,7 @@ struct Sale
 };
 
 // A sale with every field and setting filled, then changed by "name=value" items: a field or
-// setting by its member name, the record's figures as "sale", "ship", "ins".
+// setting by its member name; the price, shipping and insurance change the record's figures too.
 Sale sale(const QStringList& changes)
 {
     // clang-format off
@@ -35,14 +35,14 @@ Sale sale(const QStringList& changes)
         {"cleared", &f.datePaymentCleared}, {"insurance", &f.insuranceCost}, {"shipping", &f.shippingCost},
         {"taxMsg", &t.taxMsg}, {"payMsg", &t.payMsg}, {"closing", &t.closing}, {"signature", &t.signature},
         {"recdMsg", &t.recdMsg}, {"host", &t.remoteSmtpHost}, {"port", &t.remoteSmtpPort}};
-    const QHash<QString, Money*> amounts{{"sale", &s.item.salePrice}, {"ship", &s.item.shippingCost}, {"ins", &s.item.insuranceCost}};
+    const QHash<QString, Money*> amounts{{"sellPrice", &s.item.salePrice}, {"shipping", &s.item.shippingCost}, {"insurance", &s.item.insuranceCost}};
     // clang-format on
     for (const QString& change : changes) {
         const QString name = change.section(u'=', 0, 0), value = change.section(u'=', 1);
+        if (Money* amount = amounts.value(name))
+            *amount = Currency::parse(value).value_or(Money());
         if (QString* text = texts.value(name))
             *text = value;
-        else if (Money* amount = amounts.value(name))
-            *amount = Money::parse(value).value_or(Money());
         else if (name == "noSendAddress"_L1)
             std::fill(std::begin(t.sendAddress), std::end(t.sendAddress), QString());
         else
@@ -83,7 +83,6 @@ private slots:
         QTest::newRow("half a cent rounds up") << "0.005" << std::optional<qint64>(50) << "$0.01";
         QTest::newRow("negative") << "-3" << std::optional<qint64>(-30000) << "($3.00)";
         QTest::newRow("bracketed negative") << "($3.00)" << std::optional<qint64>(-30000) << "($3.00)";
-        QTest::newRow("letters") << "abc" << none << "abc";
         QTest::newRow("empty") << "" << none << "";
         QTest::newRow("two points") << "1.2.3" << none << "1.2.3";
         // clang-format on
@@ -114,8 +113,7 @@ private slots:
         QFETCH(Check, row);
         const Sale s = sale(row.changes);
         const auto found = firstNoteProblem(row.kind, s.fields, s.settings).value_or(NoteProblem{});
-        QCOMPARE(found.message, row.problem.message);
-        QCOMPARE(found, row.problem); // the focus and whether Options opens, too
+        QCOMPARE(found, row.problem); // the message, the focus and whether Options opens
     }
 
     void bodies_data()
@@ -141,12 +139,11 @@ private slots:
             << lines(winner + QStringList{"Please send check or money order to:", "", "Sam Seller", "1 Main St", "Townsville", "",
                                           "It's been a pleasure doing business with you.", "", "Sam", ""});
         QTest::newRow("winner, insured, blank tax message, no address, no signature") << kWinner
-            << QStringList{"insurance=2", "ins=2", "taxMsg=  ", "noSendAddress", "signature="} << winnerHead
+            << QStringList{"insurance=2", "taxMsg=  ", "noSendAddress", "signature="} << winnerHead
             << lines(winner + QStringList{"If you would like it insured, please add an additional $2.00 for a total of $17.70.", "",
                                           "Please send check or money order to:", "", "", "It's been a pleasure doing business with you.", ""});
-        QTest::newRow("winner, sums from the record, rounded insurance, tax message only") << kWinner
-            << QStringList{"sellPrice=1234.5", "shipping=10", "sale=1234.5", "ship=10", "insurance=$1.005", "ins=1.005",
-                           "taxMsg=Tax is 6.25%", "payMsg=", "noSendAddress", "closing=", "signature="} << winnerHead
+        QTest::newRow("winner, large sums, rounded insurance, tax message only") << kWinner
+            << QStringList{"sellPrice=1234.5", "shipping=10", "insurance=$1.005", "taxMsg=Tax is 6.25%", "payMsg=", "noSendAddress", "closing=", "signature="} << winnerHead
             << lines({"Congratulations pat@example.com, ", "", "You were the high bidder on my following Ebay Auction. ", "",
                       "   Ebay ID: 123456789", "   Description: Blue glass vase", "   Your bid: 1234.5", "   Shipping: $10.00",
                       "   Total: $1,244.50", "", "If you would like it insured, please add an additional $1.01 for a total of $1245.51.", "",

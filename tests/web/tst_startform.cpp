@@ -38,18 +38,12 @@ StartFormValues values(const QStringList& assignments)
         fields.insert(u"picture%1"_s.arg(k), &v.picturePaths[k - 1]);
         fields.insert(u"address%1"_s.arg(k), &v.pictureAddresses[k - 1]);
     }
-    v.region = v.regionNum = u"Do not list regionally"_s;
-    v.country = u"United States"_s;
-    v.countryNum = u"1"_s;
-    std::fill_n(v.paymentOpt, 8, u"0"_s);
-    v.paymentOpt[8] = u"1"_s;
-    std::fill_n(v.shippingOpt, 3, u"0"_s);
-    v.shippingOpt[3] = u"1"_s;
-    v.shortDescription = u"Brass lamp"_s;
-    v.minBid = u"5"_s;
-    v.length = u"7"_s;
     v.listingHtml = HtmlEscape(u"</BLOCKQUOTE>\r\n<br>\r\n<table><tr><td>Lamp</td></tr></table>"_s);
-    for (const QString& assignment : assignments) {
+    const QStringList fresh = // the other option keys read as 0 when they are empty
+        u"region=Do not list regionally|regionNum=Do not list regionally|country=United States|"
+        u"countryNum=1|payment9=1|shipping4=1|shortDescription=Brass lamp|minBid=5|length=7"_s
+            .split(u'|');
+    for (const QString& assignment : fresh + assignments) {
         const QString name = assignment.section(u'=', 0, 0);
         if (name == u"shipInternationally")
             v.shipInternationally = true;
@@ -84,19 +78,11 @@ private slots:
         // Every field; keys that read as 1 in several ways and keys that do not; values that
         // would need escaping go in as they are; picture 2 is the first with a web address.
         // clang-format off
-        QTest::newRow("rich item") << QStringList{
-            u"userEmail=seller@example.com"_s, u"ebayPassword=s3cret&<x>"_s,
-            uR"(location=Springfield, "IL")"_s, u"region=New York"_s, u"regionNum=44"_s,
-            u"country=Canada"_s, u"countryNum=2"_s,
-            u"payment1=1"_s, u"payment2= 1"_s, u"payment3=1.0"_s, u"payment5=1"_s,
-            u"payment6="_s, u"payment7=yes"_s, u"payment8=2"_s, u"payment9=0"_s,
-            u"shipping2=1"_s, u"shipping4=0"_s, u"shipInternationally=true"_s,
-            uR"(shortDescription=  Brass lamp "Aurora"  )"_s,
-            u"picture2= C:\\My Pictures\\lamp 1.jpg"_s,
-            u"address2=http://example.com/pics/lamp%201.jpg"_s,
-            u"picture3=/home/wren/pics/lamp#2.gif"_s,
-            u"address3=http://example.com/pics/lamp%232.gif"_s,
-            u"reserve=25.00"_s, u"minBid=9.99"_s, u"length=10"_s} << u"rich.htm"_s;
+        QTest::newRow("rich item") << QString(
+            uR"(userEmail=seller@example.com|ebayPassword=s3cret&<x>|location=Springfield, "IL"|region=New York|regionNum=44|country=Canada|countryNum=2|)"
+            u"payment1=1|payment2= 1|payment3=1.0|payment5=1|payment6=|payment7=yes|payment8=2|payment9=0|shipping2=1|shipping4=0|shipInternationally=true|"
+            uR"(shortDescription=  Brass lamp "Aurora"  |picture2= C:\My Pictures\lamp 1.jpg|address2=http://example.com/pics/lamp%201.jpg|)"
+            u"picture3=/home/wren/pics/lamp#2.gif|address3=http://example.com/pics/lamp%232.gif|reserve=25.00|minBid=9.99|length=10"_s).split(u'|') << u"rich.htm"_s;
         // clang-format on
     }
     void filledPages()
@@ -108,75 +94,62 @@ private slots:
 
     void variations_data()
     {
+        // "|" between the assignments.
         QTest::addColumn<QStringList>("assignments");
         // Pairs: a piece of the fresh filled page and what it becomes, in page order.
         QTest::addColumn<QStringList>("pieces");
-        const auto row = [](const QString& name, const QStringList& assignments,
+        const auto row = [](const QString& name, const QString& assignments,
                             const QStringList& pieces = {}) {
-            QTest::newRow(qPrintable(name)) << assignments << pieces;
+            QTest::newRow(qPrintable(name)) << assignments.split(u'|') << pieces;
         };
-
-        for (const QString& reserve : {u"0"_s, u""_s, u"about 20"_s, u"-3"_s})
-            row(u"reserve '%1'"_s.arg(reserve), {u"reserve="_s + reserve});
-        const QString reserve = uR"(name="reserve" size=13 maxlength=11)"_s;
-        row("reserve with blanks inside", {u"reserve= 1 5"_s},
-            {reserve + u'>', reserve + uR"( value=" 1 5">)"_s});
-        const QStringList seven = {u"<option value=7 selected>7"_s, uR"(<option value="7">7)"_s};
-        for (const QString length : {"3", "5", "10"}) { // 10 comes after 7 on the page
-            const QStringList chosen{u"<option value=%1>%1"_s.arg(length),
-                                     uR"(<option value="%1" selected>%1)"_s.arg(length)};
-            row(u"length "_s + length, {u"length="_s + length},
-                length == "10" ? seven + chosen : chosen + seven);
-        }
-        for (const QString& length : {u"7"_s, u"10 "_s, u"14"_s})
-            row(u"length '%1'"_s.arg(length), {u"length="_s + length});
-
-        const QStringList zero = {uR"(<OPTION SELECTED VALUE="0">)"_s, uR"(<OPTION VALUE="0">)"_s};
-        const QStringList boston =
-            zero + QStringList{uR"(<OPTION VALUE="12">)"_s, uR"(<OPTION SELECTED VALUE="12">)"_s};
-        row("not regionally, any case, blanks",
-            {u"region= do NOT list Regionally  "_s, u"regionNum=0"_s});
-        row("region", {u"region=Boston"_s, u"regionNum=12"_s}, boston);
-        row("region found after trimming", {u"region=  Boston "_s, u"regionNum=12"_s}, boston);
-        row("region number not on the form", {u"region=Boston"_s, u"regionNum=13"_s}, zero);
-        row("country", {u"country=United Kingdom"_s, u"countryNum=3"_s},
-            {uR"(<OPTION SELECTED VALUE="1">)"_s, uR"(<OPTION VALUE="1">)"_s,
-             uR"(<OPTION VALUE="3">)"_s, uR"(<OPTION SELECTED VALUE="3">)"_s});
-
-        const auto checked = [](const QStringList& fields) {
+        // A check box's field named, and the same field checked, for each field.
+        const auto checked = [](const QString& fields) {
             QStringList pieces;
-            for (const QString& field : fields)
+            for (const QString& field : fields.split(u'|'))
                 pieces << u"name=\"%1\""_s.arg(field) << u"name=\"%1\" checked"_s.arg(field);
             return pieces;
         };
-        row("payments 1 to 8 read as 1",
-            {u"payment1=1"_s, u"payment2= 1"_s, u"payment3=1.0"_s, u"payment4=1e0"_s,
-             u"payment5=01"_s, u"payment6=+1"_s, u"payment7=1 "_s, u"payment8=1abc"_s},
-            checked({u"moneyOrderAccepted"_s, u"paymentCOD"_s, u"personalChecksAccepted"_s,
-                     u"onlineEscrow"_s, u"visaMasterCardAccepted"_s, u"amExAccepted"_s,
-                     u"discoverAccepted"_s, u"otherAccepted"_s}));
-        row("payment keys not 1, payment 9 not 0",
-            {u"payment1=2"_s, u"payment2="_s, u"payment3=yes"_s, u"payment4=0.5"_s,
-             u"payment5=11"_s, u"payment6=-1"_s, u"payment9=2"_s});
-        row("payment 9 is 0.0", {u"payment9= 0.0 "_s},
-            {uR"(name="paymentSeeDescription" checked value="on")"_s,
-             uR"(name="paymentSeeDescription" value="on")"_s});
-        row("shipping 1 to 3", {u"shipping1=1"_s, u"shipping2=1"_s, u"shipping3= 1"_s},
-            checked({u"sellerPaysShipping"_s, u"buyerPaysShippingActual"_s,
-                     u"buyerPaysShippingFixed"_s}));
+
+        for (const QString& reserve : {u"0"_s, u""_s, u"about 20"_s, u"-3"_s})
+            row(u"reserve '%1'"_s.arg(reserve), u"reserve="_s + reserve);
+        const QString reserve = uR"(name="reserve" size=13 maxlength=11)"_s;
+        row("reserve with blanks inside", u"reserve= 1 5"_s,
+            {reserve + u'>', reserve + uR"( value=" 1 5">)"_s});
+        const QStringList seven = {u"<option value=7 selected>7"_s, uR"(<option value="7">7)"_s};
+        for (const QString length : {"3", "5"}) // 10 is in the rich page
+            row(u"length "_s + length, u"length="_s + length,
+                QStringList{u"<option value=%1>%1"_s.arg(length),
+                            uR"(<option value="%1" selected>%1)"_s.arg(length)} +
+                    seven);
+        for (const QString& length : {u"10 "_s, u"14"_s})
+            row(u"length '%1'"_s.arg(length), u"length="_s + length);
+
+        const QStringList zero = {uR"(<OPTION SELECTED VALUE="0">)"_s, uR"(<OPTION VALUE="0">)"_s};
+        // clang-format off
+        row("not regionally, any case, blanks", u"region= do NOT list Regionally  |regionNum=0"_s);
+        row("region found after trimming", u"region=  Boston |regionNum=12"_s,
+            zero + QStringList{uR"(<OPTION VALUE="12">)"_s, uR"(<OPTION SELECTED VALUE="12">)"_s});
+        row("region number not on the form", u"region=Boston|regionNum=13"_s, zero);
+
+        row("payments 1 to 8 read as 1", u"payment1=1|payment2= 1|payment3=1.0|payment4=1e0|payment5=01|payment6=+1|payment7=1 |payment8=1abc"_s,
+            checked(u"moneyOrderAccepted|paymentCOD|personalChecksAccepted|onlineEscrow|visaMasterCardAccepted|amExAccepted|discoverAccepted|otherAccepted"_s));
+        row("payment keys not 1, payment 9 not 0", u"payment1=2|payment2=|payment3=yes|payment4=0.5|payment5=11|payment6=-1|payment9=2"_s);
+        row("shipping 1 to 3", u"shipping1=1|shipping2=1|shipping3= 1"_s,
+            checked(u"sellerPaysShipping|buyerPaysShippingActual|buyerPaysShippingFixed"_s));
+        // clang-format on
 
         const QString empty = uR"(value="http://">)"_s;
         const auto pictures = [&](const char* address) {
             return QStringList{empty, kLogo, empty, uR"(value="%1">)"_s.arg(address)};
         };
-        row("picture in slot 3 only", {u"picture3=C:\\c.jpg"_s, u"address3=http://h/c.jpg"_s},
+        row("picture in slot 3 only", u"picture3=C:\\c.jpg|address3=http://h/c.jpg"_s,
             pictures("http://h/c.jpg"));
         row("pictures 1 to 3: 1 wins",
-            {u"picture1=a.jpg"_s, u"address1=http://h/a.jpg"_s, u"picture2=b.jpg"_s,
-             u"address2=http://h/b.jpg"_s, u"picture3=c.jpg"_s, u"address3=http://h/c.jpg"_s},
+            u"picture1=a.jpg|address1=http://h/a.jpg|picture2=b.jpg|address2=http://h/b.jpg|"
+            u"picture3=c.jpg|address3=http://h/c.jpg"_s,
             pictures("http://h/a.jpg"));
-        row("picture without a web address", {u"picture1=a.jpg"_s}, {empty, kLogo});
-        row("blank picture paths", {u"picture1=   "_s, u"address1=http://h/a.jpg"_s});
+        row("picture without a web address", u"picture1=a.jpg"_s, {empty, kLogo});
+        row("blank picture paths", u"picture1=   |address1=http://h/a.jpg"_s);
     }
     void variations()
     {
