@@ -72,16 +72,14 @@ private slots:
     {
         QTest::addColumn<Ok>("row");
         const QStringList both = {"a.jpg", "b.jpg"}, twice = {"release", "release"};
-        const QString noHost = u"A Remote Host must be specified on the options screen "
-                               "before sending messages. Message not sent."_s;
-        const QString noPort = u"A Remote Port must be specified on the options screen "
-                               "before sending messages. Message not sent."_s;
+        const QString missing = u"A Remote %1 must be specified on the options screen before "
+                                "sending messages. Message not sent."_s;
         // clang-format off
         QTest::newRow("nothing ticked") << Ok{{"chkFlagInactive"}, "", "", both, "", {}};
         QTest::newRow("local pictures") << Ok{{"chkEraseHDImgs"}, "", "", {}, "", twice};
         QTest::newRow("feedback") << Ok{{"chkLeaveFeedback"}, "", "", both, "", {"ending"}};
-        QTest::newRow("web, no host") << Ok{kBoxes, " ", "21", {}, noHost, twice};
-        QTest::newRow("web, no port") << Ok{{"chkEraseWebImgs", "chkLeaveFeedback"}, "127.0.0.1", " ", both, noPort, {}};
+        QTest::newRow("web, no host") << Ok{kBoxes, " ", "21", {}, missing.arg("Host"), twice};
+        QTest::newRow("web, no port") << Ok{{"chkEraseWebImgs", "chkLeaveFeedback"}, "127.0.0.1", " ", both, missing.arg("Port"), {}};
         // clang-format on
     }
     void ok()
@@ -91,7 +89,6 @@ private slots:
         env.context().state.options.remoteHost = row.host;
         env.context().state.options.remotePort = row.port;
         Cleanup c(env, row.ticked);
-        QVERIFY(layoutProblems(c.dialog).isEmpty());
         ModalWatch options;
         click(c.dialog, u"cmdOk"_s);
 
@@ -160,7 +157,6 @@ private slots:
                 env.store().save(Settings::kApp, Settings::kOptions, kKeys.at(i), stored.at(i));
         frmCleanup dialog(env.context(), {}, {});
         dialog.show();
-        QVERIFY(layoutProblems(&dialog).isEmpty());
         QStringList shown, afterClick;
         for (int i = 0; i < kBoxes.size(); ++i) {
             auto* box = child<QCheckBox>(&dialog, kBoxes.at(i));

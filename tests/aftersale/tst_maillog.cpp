@@ -135,7 +135,6 @@ private slots:
         QCOMPARE(desk.listed(), QStringList());
         desk.ending->data().findFirst(u"ID = %1"_s.arg(desk.ids.at(1)));
         QCOMPARE(desk.listed(), both);
-        QCOMPARE(problemsOf(desk.ending->centralWidget(), u"tallybid-maillog.png"_s), QString());
 
         // Enter on the second row opens it, read-only, with its body as sent.
         QTreeWidget& list = desk.ending->sentNotes();
@@ -152,7 +151,6 @@ private slots:
         QVERIFY(body->isReadOnly() && line("txtTo")->isReadOnly() &&
                 line("txtSubject")->isReadOnly() && line("txtDate")->isReadOnly());
         QVERIFY(!line("txtDate")->text().isEmpty());
-        QVERIFY(viewer->grab().save(QDir::temp().filePath(u"tallybid-sentnote.png"_s)));
         const QPointer<frmSentNote> closed = viewer;
         click(viewer, u"cmdClose"_s);
         QTRY_VERIFY(!closed);

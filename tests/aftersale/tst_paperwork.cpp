@@ -144,10 +144,6 @@ private slots:
         QVERIFY2(thank.hasMatch(), qPrintable(boxes));
         const double points = thank.captured(2).toDouble() - thank.captured(1).toDouble();
         QVERIFY2(points > 11 && points < 11 * 1.35, qPrintable(QString::number(points)));
-        // Kept for a look at the page.
-        const QString kept = QDir::temp().filePath(u"tallybid-%1.pdf"_s.arg(name));
-        QFile::remove(kept);
-        QFile::copy(pdf, kept);
     }
 
     void refusesWhatCannotBePrinted_data()

@@ -1,6 +1,5 @@
 // The report window driven offscreen: the period's rows, foot and charts, sorting, the CSV and
-// PDF it writes, printing, its look, and the Actions menu that opens it.
-#include "../support/LayoutCheck.h"
+// PDF it writes, printing, and the Actions menu that opens it.
 #include "../support/ModalWatch.h"
 #include "../support/TestEnvironment.h"
 #include "app/frmItems.h"
@@ -137,15 +136,7 @@ private slots:
         QCOMPARE(firstColumn(), QStringList({"1001", "1004", "1002", "1003"}));
         QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, net);
         QCOMPARE(firstColumn(), QStringList({"1003", "1002", "1004", "1001"}));
-        // Another period keeps the chosen order.
-        child<QComboBox>("cboPeriod")->setCurrentIndex(int(ReportPeriod::ThisYear));
-        QCOMPARE(firstColumn(), QStringList({"1002", "1001"}));
-    }
-
-    void exportsCsvInShownOrder()
-    {
-        showAll();
-        child<QTableView>("grdReport")->sortByColumn(ReportColumns::SalePrice, Qt::DescendingOrder);
+        // The CSV holds the rows in the order shown.
         const QString path = m_env->path(u"sales"_s); // the suffix is added
         m_env->prompts().queueFile(path);
         QTest::mouseClick(child<QPushButton>("cmdExportCsv"), Qt::LeftButton);
@@ -155,8 +146,11 @@ private slots:
         QCOMPARE(records.size(), 5);
         QCOMPARE(records.at(1).fields.mid(0, 4),
                  QStringList({"1003", "Lamp 1003", QString::number(kYear - 1) + u"-06-01", "100"}));
-        QCOMPARE(records.at(4).fields.at(ReportColumns::EbayId), u"1004"_s);
+        QCOMPARE(records.at(4).fields.at(ReportColumns::EbayId), u"1001"_s);
         QCOMPARE(m_env->prompts().shown().last().title, ReportTexts::kCsvDialog);
+        // Another period keeps the chosen order.
+        child<QComboBox>("cboPeriod")->setCurrentIndex(int(ReportPeriod::ThisYear));
+        QCOMPARE(firstColumn(), QStringList({"1002", "1001"}));
     }
 
     void savesPdf()
@@ -177,13 +171,6 @@ private slots:
         const QByteArray pdf = file.readAll();
         QVERIFY(pdf.startsWith("%PDF-"));
         QVERIFY(pdf.trimmed().endsWith("%%EOF"));
-        // Drawn to a picture when poppler's tools are there, to look at.
-        const QString pdftoppm = QStandardPaths::findExecutable(u"pdftoppm"_s);
-        if (!pdftoppm.isEmpty()) {
-            const QString out = QDir::temp().filePath(u"tallybid-report-pdf"_s);
-            QCOMPARE(QProcess::execute(pdftoppm, {u"-png"_s, u"-r"_s, u"60"_s, path, out}), 0);
-            QVERIFY(QFile::exists(out + u"-1.png"_s));
-        }
         // Every amount whole on the page, the largest sums included.
         const QString pdftotext = QStandardPaths::findExecutable(u"pdftotext"_s);
         if (!pdftotext.isEmpty()) {
@@ -210,17 +197,10 @@ private slots:
         QVERIFY(m_env->prompts().shown().last().text.contains(bad));
     }
 
-    void looksWholeAndPrints()
+    // Printing goes through the preview.
+    void printsThroughThePreview()
     {
         showAll();
-        QTest::qWait(50);
-        QVERIFY2(layoutProblems(m_window.get()).isEmpty(),
-                 qPrintable(layoutProblems(m_window.get()).join(u'\n')));
-        m_window->grab().save(QDir::temp().filePath(u"tallybid-report-window.png"_s));
-        // Months instead of years along the charts.
-        child<QComboBox>("cboPeriod")->setCurrentIndex(int(ReportPeriod::ThisYear));
-        m_window->grab().save(QDir::temp().filePath(u"tallybid-report-window-months.png"_s));
-        // Printing goes through the preview.
         ModalWatch watch;
         QTest::mouseClick(child<QPushButton>("cmdPrint"), Qt::LeftButton);
         QCOMPARE(watch.shown, u"frmPrintPreview"_s);
