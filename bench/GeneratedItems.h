@@ -10,14 +10,20 @@
 
 // The folder holding a tb2.mdb of `items` generated items, made by scripts/make-items the first
 // time it is asked for and kept under dataDir for later runs. `years` > 0 spreads the auctions
-// over that many years (a folder of its own).
-inline QString generatedItemsFolder(const QString& dataDir, int items, int years = 0)
+// over that many years; `deleted` > 0 leaves gaps in the keys, as if that percentage of the
+// items ever entered had been deleted (each a folder of its own).
+inline QString generatedItemsFolder(const QString& dataDir, int items, int years = 0,
+                                    int deleted = 0)
 {
     QString folder = dataDir + QStringLiteral("/items-%1").arg(items);
     QStringList options;
     if (years > 0) {
         folder += QStringLiteral("-years%1").arg(years);
         options << QStringLiteral("--years") << QString::number(years);
+    }
+    if (deleted > 0) {
+        folder += QStringLiteral("-deleted%1").arg(deleted);
+        options << QStringLiteral("--deleted") << QString::number(deleted);
     }
     const QString file = folder + QStringLiteral("/tb2.mdb");
     if (QFileInfo::exists(file))
