@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
+#include <QTextDocument>
 #include <QTextEdit>
 
 namespace {
@@ -37,9 +38,16 @@ public:
 
     void setText(const QString& text)
     {
+        // Into the document itself: the box's own setPlainText would also give the whole text
+        // its format once more and lay out the first lines to show its cursor, for every item
+        // passed. The cursor goes back to the start when the box catches up.
+        QTextDocument* document = m_edit->document();
         {
-            const QSignalBlocker quiet(m_edit->document()->documentLayout());
-            m_edit->setPlainText(text);
+            const QSignalBlocker quiet(document->documentLayout());
+            document->setUndoRedoEnabled(false); // nothing of the last item is left to undo
+            document->setPlainText(text);
+            document->setUndoRedoEnabled(true);
+            document->setModified(false);
         }
         if (!m_pending) {
             m_pending = true;
@@ -53,8 +61,21 @@ public:
 
     bool eventFilter(QObject*, QEvent* event) override
     {
-        if (event->type() == QEvent::Paint)
+        // Before it is seen, and before the user reaches into it.
+        switch (event->type()) {
+        case QEvent::Paint:
+        case QEvent::FocusIn:
+        case QEvent::KeyPress:
+        case QEvent::ShortcutOverride:
+        case QEvent::InputMethod:
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::Wheel:
             catchUp();
+            break;
+        default:
+            break;
+        }
         return false;
     }
 
@@ -68,6 +89,7 @@ private:
         m_pending = false;
         QAbstractTextDocumentLayout* layout = m_edit->document()->documentLayout();
         emit layout->documentSizeChanged(layout->documentSize());
+        m_edit->moveCursor(QTextCursor::Start); // scrolls back to the top as well
         m_edit->viewport()->update();
     }
 
