@@ -44,9 +44,10 @@ public:
         QTextDocument* document = m_edit->document();
         {
             const QSignalBlocker quiet(document->documentLayout());
+            const bool undo = document->isUndoRedoEnabled();
             document->setUndoRedoEnabled(false); // nothing of the last item is left to undo
             document->setPlainText(text);
-            document->setUndoRedoEnabled(true);
+            document->setUndoRedoEnabled(undo);
             document->setModified(false);
         }
         if (!m_pending) {
