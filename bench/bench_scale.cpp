@@ -304,30 +304,21 @@ void measureWindow(const QString& folder, int items, int runs, bool judged)
         QCoreApplication::processEvents();
         const RawSqlite raw(path);
         const char* all = "";
-        const char* active = "WHERE Active = 1";
-        const char* inactive = "WHERE Active = 0";
-
-        report(items, QStringLiteral("open the All view"),
-               timeBoth(
-                   runs, [&] { window->mnuAll_Click(); },
-                   [&] { raw.run("SELECT ID FROM Items ORDER BY ID"); }),
-               2, judged);
-        checkPosition(items, QStringLiteral("open the All view"), *window,
-                      expectedPosition(raw, all, 1));
-        report(items, QStringLiteral("open the Active view"),
-               timeBoth(
-                   runs, [&] { window->mnuOpen_Click(); },
-                   [&] { raw.run("SELECT ID FROM Items WHERE Active = 1 ORDER BY ID"); }),
-               2, judged);
-        checkPosition(items, QStringLiteral("open the Active view"), *window,
-                      expectedPosition(raw, active, 1));
-        report(items, QStringLiteral("open the Inactive view"),
-               timeBoth(
-                   runs, [&] { window->mnuClosed_Click(); },
-                   [&] { raw.run("SELECT ID FROM Items WHERE Active = 0 ORDER BY ID"); }),
-               2, judged);
-        checkPosition(items, QStringLiteral("open the Inactive view"), *window,
-                      expectedPosition(raw, inactive, 1));
+        // Each view against selecting its keys, then where the window stands on it.
+        const auto view = [&](const char* name, void (frmItems::*command)(), const char* where) {
+            const QString operation = QStringLiteral("open the %1 view").arg(QLatin1String(name));
+            const QByteArray keys =
+                QStringLiteral("SELECT ID FROM Items %1 ORDER BY ID").arg(where).toUtf8();
+            report(
+                items, operation,
+                timeBoth(
+                    runs, [&] { (window.get()->*command)(); }, [&] { raw.run(keys.constData()); }),
+                2, judged);
+            checkPosition(items, operation, *window, expectedPosition(raw, where, 1));
+        };
+        view("All", &frmItems::mnuAll_Click, all);
+        view("Active", &frmItems::mnuOpen_Click, "WHERE Active = 1");
+        view("Inactive", &frmItems::mnuClosed_Click, "WHERE Active = 0");
 
         // Find Again runs the request without the dialog, each time from the first item.
         window->mnuAll_Click();
