@@ -2,6 +2,7 @@
 
 #include "platform/JetSql.h"
 #include "platform/KeyCache.h"
+#include "platform/SideThread.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -414,7 +415,7 @@ KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder or
             KeyCache::save(keptFile, *read.state, sql, keys);
     };
     try {
-        m_worker = std::thread(std::move(work));
+        m_worker = startSideThread(std::move(work));
     } catch (const std::system_error&) {
         // No thread to be had: take() gives nothing and the window reads the keys itself.
         m_keys = {};

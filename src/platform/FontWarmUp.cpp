@@ -1,5 +1,7 @@
 #include "platform/FontWarmUp.h"
 
+#include "platform/SideThread.h"
+
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <memory>
@@ -25,7 +27,7 @@ FontWarmUp::FontWarmUp()
     if (!init)
         return;
     try {
-        m_thread = std::thread([init] { init(); });
+        m_thread = startSideThread([init] { init(); });
         gRunning = this;
     } catch (const std::system_error&) {
         // No thread to be had: Qt reads the configuration when it first needs it.
@@ -54,7 +56,7 @@ void FontWarmUp::prepare()
     // The configuration's reading is joined by whichever thread ends up holding it.
     auto reading = std::make_shared<std::thread>(std::move(gRunning->m_thread));
     try {
-        gRunning->m_thread = std::thread([reading, font = QGuiApplication::font()] {
+        gRunning->m_thread = startSideThread([reading, font = QGuiApplication::font()] {
             if (reading->joinable())
                 reading->join();
             // Loads a face for this thread alone (Qt keeps those per thread); what the main
