@@ -1,5 +1,6 @@
 # What `cmake --install` lays out, under any prefix:
 #   bin/tallybid
+#   lib/tallybid/tallybid-printing.so   the windows that print or draw charts, loaded when one opens
 #   share/tallybid/         the read-only files a first start copies into the user's data folder
 #   share/applications/, share/metainfo/, share/icons/hicolor/, share/man/man1/
 # The portable folder build/app/ is laid out by the build itself (src/app) and is not installed.
@@ -8,6 +9,7 @@ set(TB_DESKTOP_ID org.tallybid.Tallybid)
 set(TB_SHARE_DIR ${CMAKE_INSTALL_DATADIR}/tallybid)
 
 install(TARGETS tallybid RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS tallybid-printing LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/tallybid)
 
 install(FILES
     ${TB_RESOURCES_DIR}/logovksm.gif

@@ -2,13 +2,13 @@
 
 #include "aftersale/FeedbackForm.h"
 #include "aftersale/MailLog.h"
-#include "aftersale/frmPaperwork.h"
 #include "aftersale/frmSentNote.h"
 #include "aftersale/texts.h"
 #include "db/DataBinder.h"
 #include "db/ItemSql.h"
 #include "platform/DateText.h"
 #include "platform/KeyFilter.h"
+#include "platform/PrintedWindows.h"
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
@@ -607,7 +607,7 @@ std::optional<PaperworkData> frmEndingAuction::paperworkData()
     return d;
 }
 
-frmPaperwork* frmEndingAuction::openPaperwork(PaperKind kind)
+QWidget* frmEndingAuction::openPaperwork(PaperKind kind)
 {
     if (!Data1->hasCurrent())
         return nullptr;
@@ -625,8 +625,13 @@ frmPaperwork* frmEndingAuction::openPaperwork(PaperKind kind)
     QString baseName = paperTitle(kind).remove(u' ');
     if (!data->itemNumber.trimmed().isEmpty())
         baseName += u'-' + data->itemNumber.trimmed();
-    auto* preview =
-        new frmPaperwork(m_ctx, kind, fillPaperwork(*html, paperworkValues(*data)), baseName, this);
+    QString failure;
+    QWidget* preview = PrintedWindows::makePaperwork(
+        m_ctx, kind, fillPaperwork(*html, paperworkValues(*data)), baseName, this, failure);
+    if (!preview) {
+        m_ctx.prompts.message(failure, paperTitle(kind), PromptIcon::Critical);
+        return nullptr;
+    }
     preview->setAttribute(Qt::WA_DeleteOnClose);
     preview->show();
     return preview;

@@ -16,7 +16,6 @@ class QAction;
 class QLineEdit;
 class QTreeWidget;
 class QTreeWidgetItem;
-class frmPaperwork;
 class frmSentNote;
 struct AppContext;
 struct NoteProblem;
@@ -83,7 +82,7 @@ public:
 
     // Invoice... and Packing Slip...: the preview of the filled template, or nullptr when the
     // template or an amount stopped it (the user has been told).
-    frmPaperwork* openPaperwork(PaperKind kind);
+    QWidget* openPaperwork(PaperKind kind);
 
 signals:
     // A note passed its checks and is ready for the note window; NoteKind is set.

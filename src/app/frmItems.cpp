@@ -19,12 +19,13 @@
 #include "platform/DateText.h"
 #include "platform/KeyFilter.h"
 #include "platform/PictureTools.h"
+#include "platform/PrintedWindows.h"
 #include "platform/Prompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
 #include "platform/WindowFitUi.h"
 #include "platform/WindowTeardown.h"
-#include "reports/frmReports.h"
+#include "reports/texts.h"
 #include "settings/AppContext.h"
 #include "settings/SettingsCatalogue.h"
 #include "settings/frmOptions.h"
@@ -147,9 +148,14 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
     // the figures include it.
     connect(ui->mnuActionsReports, &QAction::triggered, this, [this] {
         Data1->update();
-        auto* reports = findChild<frmReports*>(QString(), Qt::FindDirectChildrenOnly);
+        auto* reports = findChild<QWidget*>(ReportTexts::kWindowName, Qt::FindDirectChildrenOnly);
         if (!reports) {
-            reports = new frmReports(m_ctx, this);
+            QString why;
+            reports = PrintedWindows::makeReports(m_ctx, this, why);
+            if (!reports) {
+                m_ctx.prompts.message(why, ReportTexts::kTitle, PromptIcon::Critical);
+                return;
+            }
             reports->setAttribute(Qt::WA_DeleteOnClose);
         }
         reports->show();

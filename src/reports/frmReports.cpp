@@ -72,7 +72,7 @@ QDateEdit* dateEdit(const QString& name, QWidget* parent)
 frmReports::frmReports(AppContext& ctx, QWidget* parent)
     : QDialog(parent), m_ctx(ctx), m_model(new ReportModel(this)), m_foot(new ReportFootModel(this))
 {
-    setObjectName(QStringLiteral("frmReports"));
+    setObjectName(ReportTexts::kWindowName);
     setWindowTitle(ReportTexts::kTitle);
     setWindowFlag(Qt::WindowMaximizeButtonHint);
 

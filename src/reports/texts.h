@@ -6,6 +6,8 @@
 namespace ReportTexts {
 
 inline const QString kTitle = QStringLiteral("Reports");
+// The window's object name, by which the item window finds the one already open.
+inline const QString kWindowName = QStringLiteral("frmReports");
 inline const QString kPeriod = QStringLiteral("Period:");
 inline const QString kFrom = QStringLiteral("From:");
 inline const QString kTo = QStringLiteral("To:");

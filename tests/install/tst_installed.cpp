@@ -2,7 +2,9 @@
 // and started offscreen with an empty home, as a separate process.
 #include "app/AppFolder.h"
 #include "platform/Database.h"
+#include "platform/PrintedWindows.h"
 
+#include <QLibrary>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSqlDatabase>
@@ -43,6 +45,17 @@ QByteArray readFile(const QString& path)
 {
     QFile f(path);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// The libraries a running process has mapped whose names hold any of the parts.
+QStringList mappedLibraries(qint64 pid, const QList<QByteArray>& parts)
+{
+    QStringList found;
+    for (const QByteArray& line : readFile(u"/proc/%1/maps"_s.arg(pid)).split('\n'))
+        for (const QByteArray& part : parts)
+            if (line.contains(part) && !found.contains(QString::fromUtf8(part)))
+                found << QString::fromUtf8(part);
+    return found;
 }
 
 } // namespace
@@ -126,6 +139,13 @@ private slots:
         for (const QString& file : expected)
             QVERIFY2(QFileInfo(installed(file)).isFile(), qPrintable(file));
         QVERIFY(QFileInfo(installed(u"bin/tallybid"_s)).isExecutable());
+        // The printing module, where the installed program looks for it, gives its windows.
+        const QString module = PrintedWindows::moduleCandidates(installed(u"bin"_s)).constLast();
+        QLibrary printing(module);
+        const auto makers = reinterpret_cast<const TbPrintedWindowMakers* (*)()>(
+            printing.resolve("tb_printed_window_makers"));
+        QVERIFY2(makers, qPrintable(printing.errorString()));
+        QVERIFY(makers()->reports && makers()->paperwork);
         // The program alone: no test, tool or benchmark slips into bin/.
         QCOMPARE(QDir(installed(u"bin"_s)).entryList(QDir::Files), QStringList{u"tallybid"_s});
     }
@@ -246,6 +266,10 @@ private slots:
         QCOMPARE(itemCount(database), 1);
         QCOMPARE(readFile(themes.fileName()), QByteArray("changed by the user"));
         QCOMPARE(restart.state(), QProcess::Running);
+        // The print and chart libraries wait until a window that prints opens.
+        QCOMPARE(mappedLibraries(restart.processId(),
+                                 {"libQt6Charts", "libQt6PrintSupport", "tallybid-printing"}),
+                 QStringList());
     }
 
     // The settings file holds the FTP, auction-site and mail passwords: it and its folder must be
