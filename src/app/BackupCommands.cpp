@@ -3,6 +3,7 @@
 #include "app/Backups.h"
 #include "app/texts.h"
 #include "platform/Prompts.h"
+#include "platform/WaitCursor.h"
 #include "settings/AppContext.h"
 
 #include <QApplication>
@@ -67,10 +68,21 @@ bool sameFile(const QString& a, const QString& b)
     return !ca.isEmpty() && ca == QFileInfo(b).canonicalFilePath();
 }
 
+// The backup start-up makes may still be being written: a copy or a restore asked for now waits
+// for it, so the two never write the same folder at once.
+void waitForStartupBackup(const AppContext& ctx)
+{
+    if (ctx.state.waitForStartupBackup) {
+        const WaitCursor busy;
+        ctx.state.waitForStartupBackup();
+    }
+}
+
 } // namespace
 
 void backUpNow(AppContext& ctx, QWidget* owner)
 {
+    waitForStartupBackup(ctx);
     const QString folder = ctx.appFile(Backups::kFolder);
     QDir().mkpath(folder);
     const QString path = ctx.prompts.saveFileName(
@@ -100,6 +112,7 @@ void backUpNow(AppContext& ctx, QWidget* owner)
 
 bool restoreBackup(AppContext& ctx, QWidget* owner, const std::function<void()>& reopen)
 {
+    waitForStartupBackup(ctx);
     const QString folder = ctx.appFile(Backups::kFolder);
     const QString path =
         ctx.prompts.openFileName(Texts::kRestoreTitle, folder, Texts::kBackupFilter);

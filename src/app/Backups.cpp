@@ -8,6 +8,13 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <algorithm>
+#include <memory>
+#include <system_error>
+
+#if defined(__linux__)
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
 
 namespace Backups {
 
@@ -93,19 +100,39 @@ int keptCount(const SettingsStore& store)
     return ok ? n : kDefaultKept;
 }
 
-StartupResult backUpIfDue(const QString& appPath, const QString& databasePath, int kept,
-                          const QDateTime& now, const BackupProgress& progress)
+namespace {
+
+// A backup found due, with its snapshot taken, waiting to be written.
+struct DueBackup
 {
-    StartupResult result;
-    const QString folder = appPath + u'/' + kFolder;
-    if (kept < 1 || !isDue(backupNames(folder), now))
-        return result;
-    if (!QDir().mkpath(folder)) {
-        result.error = QStringLiteral("the folder %1 cannot be made").arg(folder);
-        return result;
+    QString folder;
+    StartupResult result; // its path, or why it cannot be made
+    std::unique_ptr<SnapshotCopy> copy;
+};
+
+std::optional<DueBackup> snapshotIfDue(const QString& appPath, const QString& databasePath,
+                                       int kept, const QDateTime& now)
+{
+    DueBackup due;
+    due.folder = appPath + u'/' + kFolder;
+    if (kept < 1 || !isDue(backupNames(due.folder), now))
+        return std::nullopt;
+    if (!QDir().mkpath(due.folder)) {
+        due.result.error = QStringLiteral("the folder %1 cannot be made").arg(due.folder);
+        return due;
     }
-    result.path = newPath(folder, now);
-    const BackupOutcome outcome = backupDatabaseFile(databasePath, result.path, progress);
+    due.result.path = newPath(due.folder, now);
+    due.copy = std::make_unique<SnapshotCopy>(databasePath, due.result.path);
+    return due;
+}
+
+StartupResult writeDue(DueBackup& due, int kept, const BackupProgress& progress)
+{
+    StartupResult result = due.result;
+    if (!due.copy)
+        return result;
+    const BackupOutcome outcome = due.copy->run(progress);
+    due.copy.reset();
     if (!outcome.ok()) {
         result.error = outcome.cancelled ? QStringLiteral("stopped") : outcome.error;
         return result;
@@ -114,11 +141,58 @@ StartupResult backUpIfDue(const QString& appPath, const QString& databasePath, i
     // Only after a good copy: old backups never go for one that failed. The new one stays
     // whatever the names say: one dated in the future (the clock was set back) would otherwise
     // outrank it.
-    QStringList others = backupNames(folder);
+    QStringList others = backupNames(due.folder);
     others.removeAll(QFileInfo(result.path).fileName());
     for (const QString& old : surplus(others, kept - 1))
-        QFile::remove(folder + u'/' + old);
+        QFile::remove(due.folder + u'/' + old);
     return result;
+}
+
+// The copy gives way to the window on a busy machine; it is not waited for.
+void lowerThisThreadsPriority()
+{
+#if defined(__linux__)
+    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), 10);
+#endif
+}
+
+} // namespace
+
+StartupResult backUpIfDue(const QString& appPath, const QString& databasePath, int kept,
+                          const QDateTime& now, const BackupProgress& progress)
+{
+    std::optional<DueBackup> due = snapshotIfDue(appPath, databasePath, kept, now);
+    return due ? writeDue(*due, kept, progress) : StartupResult{};
+}
+
+StartupBackup::StartupBackup(const QString& appPath, const QString& databasePath, int kept,
+                             const QDateTime& now,
+                             std::function<void(const StartupResult&)> finished)
+{
+    std::optional<DueBackup> found = snapshotIfDue(appPath, databasePath, kept, now);
+    if (!found)
+        return;
+    auto due = std::make_shared<DueBackup>(std::move(*found));
+    try {
+        m_thread = std::thread([due, kept, finished] {
+            lowerThisThreadsPriority();
+            finished(writeDue(*due, kept, {}));
+        });
+    } catch (const std::system_error&) {
+        // No thread to be had: the copy is made now, as the start goes on.
+        finished(writeDue(*due, kept, {}));
+    }
+}
+
+StartupBackup::~StartupBackup()
+{
+    wait();
+}
+
+void StartupBackup::wait()
+{
+    if (m_thread.joinable())
+        m_thread.join();
 }
 
 } // namespace Backups

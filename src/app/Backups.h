@@ -4,7 +4,9 @@
 
 #include <QDateTime>
 #include <QStringList>
+#include <functional>
 #include <optional>
+#include <thread>
 
 class SettingsStore;
 
@@ -46,5 +48,28 @@ struct StartupResult
 // and removes the dated backups beyond `kept`. Nothing happens when kept is below 1.
 StartupResult backUpIfDue(const QString& appPath, const QString& databasePath, int kept,
                           const QDateTime& now, const BackupProgress& progress = {});
+
+// The same backup made beside the running program. Made, it decides whether a backup is due
+// and if so takes the database's snapshot at once, before the item window can change anything,
+// so the copy holds the items as the last run left them. The pages are then copied, and the
+// dated backups beyond `kept` removed, on a thread of its own at a low priority: over many
+// items the copy takes a second or more, which a start used to wait for once a day.
+// `finished` is called on that thread when it is done; never when no backup was due.
+class StartupBackup
+{
+public:
+    StartupBackup(const QString& appPath, const QString& databasePath, int kept,
+                  const QDateTime& now, std::function<void(const StartupResult&)> finished);
+    ~StartupBackup();
+    StartupBackup(const StartupBackup&) = delete;
+    StartupBackup& operator=(const StartupBackup&) = delete;
+
+    // Returns once the copy is done (at once when none is being made), so that a copy or a
+    // restore the user asks for never runs beside it.
+    void wait();
+
+private:
+    std::thread m_thread;
+};
 
 } // namespace Backups

@@ -51,6 +51,10 @@ Launcher::~Launcher()
     FontWarmUp::wait(); // it uses Qt, which ends with the application object
     const bool ran = m_window != nullptr;
     m_window.reset();
+    // A start-up backup still being copied is finished: it is the copy of the day. What it has
+    // to say has no window left to say it in.
+    m_backup.reset();
+    m_backupReports.reset();
     if (m_context) {
         m_context->itemDatabase.close();
         m_context.reset();
@@ -62,6 +66,12 @@ Launcher::~Launcher()
     // its log copied in) unless they are kept already.
     if (const auto keys = ran ? savedViewKeys(m_store) : std::nullopt)
         keepKeysForNextStart(m_databasePath, keys->sql, keys->order, keptKeysFile(m_databasePath));
+}
+
+void Launcher::waitForStartupBackup()
+{
+    if (m_backup)
+        m_backup->wait();
 }
 
 bool Launcher::refuse(const QString& text, const QString& title, int exitCode)
@@ -142,18 +152,23 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     splash.show();
     QCoreApplication::processEvents();
 
-    // A copy of the items at most a day old, taken before this run can change them; the
-    // splash stays painted while a large database is copied.
-    const Backups::StartupResult backup = Backups::backUpIfDue(
+    // A copy of the items at most a day old. Its snapshot is taken now, before this run can
+    // change them; the copying goes on beside the window, and a failure is said once known.
+    m_backupReports = std::make_unique<QObject>();
+    m_backup = std::make_unique<Backups::StartupBackup>(
         appPath, databasePath, Backups::keptCount(m_store), QDateTime::currentDateTime(),
-        [](int, int) {
-            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-            return true;
+        [this, reports = m_backupReports.get(),
+         folder = appPath + u'/' + Backups::kFolder](const Backups::StartupResult& backup) {
+            if (backup.error.isEmpty())
+                return;
+            QMetaObject::invokeMethod(
+                reports,
+                [this, text = Texts::startupBackupFailed(folder, backup.error)] {
+                    m_prompts.message(text, Texts::kErrorTitle, PromptIcon::Exclamation);
+                },
+                Qt::QueuedConnection);
         });
-    if (!backup.error.isEmpty())
-        m_prompts.message(
-            Texts::startupBackupFailed(appPath + u'/' + Backups::kFolder, backup.error),
-            Texts::kErrorTitle, PromptIcon::Exclamation);
+    state.waitForStartupBackup = [backup = m_backup.get()] { backup->wait(); };
 
     state.options = OptionsRecord::load(m_store);
     FontWarmUp::wait(); // the window's first box lays out text

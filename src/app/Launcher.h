@@ -11,7 +11,11 @@ class TimeZone;
 class InstanceLock;
 class frmItems;
 class KeyPrefetch;
+class QObject;
 struct AppContext;
+namespace Backups {
+class StartupBackup;
+}
 
 // Start-up in order: application folder (set up on first use), tb2.mdb, settings, splash, one
 // copy per user, the item window with its last view. Kept apart from main() so tests run it
@@ -30,6 +34,8 @@ public:
     void setLockFolder(const QString& folder) { m_lockFolder = folder; }
     frmItems* window() const { return m_window.get(); }
     AppContext* context() const { return m_context.get(); }
+    // Returns once the start-up backup, if one is being made, is written.
+    void waitForStartupBackup();
 
 private:
     bool refuse(const QString& text, const QString& title, int exitCode);
@@ -44,6 +50,8 @@ private:
     // The keys read ahead for the window, kept till the end so their keeping for the next start
     // (KeyCache) never holds up the window.
     std::shared_ptr<KeyPrefetch> m_startupKeys;
+    std::unique_ptr<Backups::StartupBackup> m_backup;
+    std::unique_ptr<QObject> m_backupReports; // where the backup's failure is said from
     QString m_databasePath;
     QString m_connection;
     QString m_lockFolder;

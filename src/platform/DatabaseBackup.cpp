@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <memory>
 #include <sqlite3.h>
+#include <utility>
 
 namespace {
 
@@ -156,19 +157,38 @@ struct PartialFile
 BackupOutcome backupDatabaseFile(const QString& sourcePath, const QString& targetPath,
                                  const BackupProgress& progress, int pagesPerStep)
 {
-    BackupOutcome outcome;
+    return SnapshotCopy(sourcePath, targetPath).run(progress, pagesPerStep);
+}
+
+SnapshotCopy::SnapshotCopy(const QString& sourcePath, const QString& targetPath)
+    : m_targetPath(targetPath)
+{
     if (!QFileInfo(sourcePath).isFile()) {
-        outcome.error = QStringLiteral("the database %1 does not exist").arg(sourcePath);
-        return outcome;
+        m_error = QStringLiteral("the database %1 does not exist").arg(sourcePath);
+        return;
     }
     const QFileInfo target(targetPath);
     if (!target.absoluteDir().exists()) {
-        outcome.error = QStringLiteral("the folder %1 does not exist").arg(target.absolutePath());
+        m_error = QStringLiteral("the folder %1 does not exist").arg(target.absolutePath());
+        return;
+    }
+    m_source = openSnapshot(sourcePath, &m_error).release();
+}
+
+SnapshotCopy::~SnapshotCopy()
+{
+    const Connection closed(m_source);
+}
+
+BackupOutcome SnapshotCopy::run(const BackupProgress& progress, int pagesPerStep)
+{
+    BackupOutcome outcome;
+    const Connection source(std::exchange(m_source, nullptr));
+    if (!source) {
+        outcome.error = m_error.isEmpty() ? QStringLiteral("the copy was made already") : m_error;
         return outcome;
     }
-    const Connection source = openSnapshot(sourcePath, &outcome.error);
-    if (!source)
-        return outcome;
+    const QFileInfo target(m_targetPath);
     PartialFile partial{target.absolutePath() + QLatin1String("/.") + target.fileName() + u'.' +
                         QUuid::createUuid().toString(QUuid::Id128) + QLatin1String(".partial")};
     {

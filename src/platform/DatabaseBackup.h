@@ -29,6 +29,27 @@ BackupOutcome backupDatabaseFile(const QString& sourcePath, const QString& targe
                                  const BackupProgress& progress = {},
                                  int pagesPerStep = kBackupPagesPerStep);
 
+struct sqlite3;
+
+// The same copy in two steps: made, it holds the database as it stands (one read transaction
+// on a connection of its own); run() then writes it to the target, later and on any thread, and
+// what was committed in between is not in it. Run once.
+class SnapshotCopy
+{
+public:
+    SnapshotCopy(const QString& sourcePath, const QString& targetPath);
+    ~SnapshotCopy();
+    SnapshotCopy(const SnapshotCopy&) = delete;
+    SnapshotCopy& operator=(const SnapshotCopy&) = delete;
+
+    BackupOutcome run(const BackupProgress& progress = {}, int pagesPerStep = kBackupPagesPerStep);
+
+private:
+    sqlite3* m_source = nullptr; // owned; the snapshot's read transaction is open on it
+    QString m_targetPath;
+    QString m_error; // why the snapshot could not be taken
+};
+
 // What a file offered for restoring holds: empty problem when it may be restored.
 struct BackupCheck
 {

@@ -5,6 +5,7 @@
 #include <QSqlDatabase>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 class KeyPrefetch;
@@ -35,6 +36,8 @@ struct AppState
 
     // The keys of the view the item window reopens, read by start-up while the window is built.
     std::shared_ptr<KeyPrefetch> startupKeys;
+    // Returns once the backup start-up makes beside the window is written; empty when none.
+    std::function<void()> waitForStartupBackup;
 };
 
 // Everything a window needs from outside itself: the platform seams, the open item database

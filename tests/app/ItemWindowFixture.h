@@ -76,6 +76,8 @@ struct Started
     {
         launcher.setLockFolder(lockFolder);
         ok = launcher.start(arguments, {}, QSize(1280, 1024));
+        launcher.waitForStartupBackup();
+        QCoreApplication::processEvents(); // what the backup had to say
     }
     Launcher launcher;
     bool ok = false;

@@ -146,6 +146,45 @@ private slots:
         QVERIFY(env.prompts().shown().isEmpty());
     }
 
+    // The start-up backup is written beside the window: it holds the items as the last run left
+    // them, and a failure is said once known, with the window open.
+    void startupBackupBesideTheWindow_data()
+    {
+        addColumns<QString, int, QString>("before", "backedUp", "said");
+        QTest::newRow("an item added as the window opens is not in it") << "add" << 2 << "";
+        QTest::newRow("a folder that cannot be made is said")
+            << "blocked" << -1 << "could not back up your items";
+    }
+    void startupBackupBesideTheWindow()
+    {
+        QFETCH(QString, before);
+        QFETCH(int, backedUp);
+        QFETCH(QString, said);
+        TestEnvironment env;
+        env.addNumberedItems(2);
+        if (before == "blocked"_L1)
+            env.writeFile(Backups::kFolder, "a file where the folder goes");
+        QTemporaryDir runtime;
+        Launcher launcher(env.prompts(), env.shell(), env.store(), env.context().timeZone);
+        launcher.setLockFolder(runtime.path());
+        QVERIFY(launcher.start(appdirArguments(env.appPath()), {}, QSize(1280, 1024)));
+        if (before == "add"_L1)
+            QVERIFY(QSqlQuery(launcher.context()->itemDatabase)
+                        .exec(u"INSERT INTO Items (ShortDescription) VALUES ('new')"_s));
+        launcher.waitForStartupBackup();
+        QCoreApplication::processEvents();
+        const QString folder = env.path(Backups::kFolder);
+        const QStringList dated = datedIn(folder);
+        QCOMPARE(dated.isEmpty() ? -1 : itemsIn(folder + u'/' + dated.last()), backedUp);
+        const auto shown = env.prompts().shown();
+        QCOMPARE(shown.size(), said.isEmpty() ? 0 : 1);
+        if (!said.isEmpty()) {
+            QVERIFY2(shown.first().text.contains(said), qPrintable(shown.first().text));
+            QCOMPARE(shown.first().icon, PromptIcon::Exclamation);
+            QVERIFY(launcher.window()->isVisible());
+        }
+    }
+
     void commands_data()
     {
         // command: the File menu item. chosen: "five.mdb" a backup of five items, "text.mdb" a

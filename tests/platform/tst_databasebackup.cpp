@@ -58,6 +58,7 @@ private slots:
     void restore_data();
     void restore();
     void backupWhileWriting();
+    void snapshotCopyHoldsWhatWasThere();
 };
 
 void TestDatabaseBackup::backup_data()
@@ -283,3 +284,23 @@ void TestDatabaseBackup::backupWhileWriting()
 
 QTEST_GUILESS_MAIN(TestDatabaseBackup)
 #include "tst_databasebackup.moc"
+
+// A copy made in two steps holds the items as they were when it was made, whatever is committed
+// before it is written; and it is written once.
+void TestDatabaseBackup::snapshotCopyHoldsWhatWasThere()
+{
+    TestEnvironment env;
+    addLongItems(env, 50);
+    QTemporaryDir out;
+    const QString file = out.filePath(u"copy.mdb"_s);
+    SnapshotCopy copy(env.path(u"tb2.mdb"_s), file);
+    QSqlQuery q(env.context().itemDatabase);
+    QVERIFY(q.exec(u"DELETE FROM Items WHERE ID <= 10"_s));
+    QVERIFY(q.exec(u"INSERT INTO Items (ShortDescription) VALUES ('later')"_s));
+    const BackupOutcome outcome = copy.run();
+    QVERIFY2(outcome.ok(), qPrintable(outcome.error));
+    QCOMPARE(checkBackupFile(file, {}).itemCount, 50);
+    QCOMPARE(sqlIn(file, {u"SELECT count(*) FROM Items WHERE ShortDescription = 'later'"_s}),
+             QVariant(0));
+    QVERIFY(!copy.run().ok());
+}
