@@ -148,7 +148,7 @@ StartupResult writeDue(DueBackup& due, int kept, const BackupProgress& progress)
     return result;
 }
 
-// The copy gives way to the window on a busy machine; it is not waited for.
+// On a busy machine the copy gives way to the window, which the user is waiting for.
 void lowerThisThreadsPriority()
 {
 #if defined(__linux__)
