@@ -68,8 +68,8 @@ bool sameFile(const QString& a, const QString& b)
     return !ca.isEmpty() && ca == QFileInfo(b).canonicalFilePath();
 }
 
-// The backup start-up makes may still be being written: a copy or a restore asked for now waits
-// for it, so the two never write the same folder at once.
+// The backup that start-up makes may still be being written: a copy or a restore asked for now
+// waits for it, so the two never write the same folder at once.
 void waitForStartupBackup(const AppContext& ctx)
 {
     if (ctx.state.waitForStartupBackup) {

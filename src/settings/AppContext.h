@@ -36,7 +36,7 @@ struct AppState
 
     // The keys of the view the item window reopens, read by start-up while the window is built.
     std::shared_ptr<KeyPrefetch> startupKeys;
-    // Returns once the backup start-up makes beside the window is written; empty when none.
+    // Returns once the backup that start-up makes beside the window is written; empty when none.
     std::function<void()> waitForStartupBackup;
 };
 
