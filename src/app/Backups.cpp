@@ -1,6 +1,7 @@
 #include "app/Backups.h"
 
 #include "platform/SettingsStore.h"
+#include "platform/SideThread.h"
 #include "settings/SettingsCatalogue.h"
 
 #include <QDir>
@@ -173,14 +174,15 @@ StartupBackup::StartupBackup(const QString& appPath, const QString& databasePath
     if (!found)
         return;
     auto due = std::make_shared<DueBackup>(std::move(*found));
+    const auto write = [due, kept, finished] { finished(writeDue(*due, kept, {})); };
     try {
-        m_thread = std::thread([due, kept, finished] {
+        // Started like the other start-up threads, off the window's core.
+        m_thread = startSideThread([write] {
             lowerThisThreadsPriority();
-            finished(writeDue(*due, kept, {}));
+            write();
         });
     } catch (const std::system_error&) {
-        // No thread to be had: the copy is made now, as the start goes on.
-        finished(writeDue(*due, kept, {}));
+        write(); // no thread to be had: the copy is made now, as the start goes on
     }
 }
 
