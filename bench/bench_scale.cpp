@@ -22,6 +22,7 @@
 #include "platform/ScriptedPrompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
+#include "platform/StartupHeap.h"
 #include "platform/TimeZone.h"
 #include "settings/AppContext.h"
 
@@ -147,7 +148,8 @@ private:
 
 int childStart(int argc, char** argv, const QString& appDir, const QString& configDir)
 {
-    FontWarmUp fonts; // as the program's main() does
+    reserveStartupHeap(); // as the program's main() does
+    FontWarmUp fonts;
     QApplication app(argc, argv);
     ScriptedPrompts prompts;
     RecordingShell shell;

@@ -9,6 +9,7 @@
 #include "platform/QtPrompts.h"
 #include "platform/SettingsStore.h"
 #include "platform/Shell.h"
+#include "platform/StartupHeap.h"
 #include "platform/TimeZone.h"
 
 #include <QApplication>
@@ -82,7 +83,8 @@ int main(int argc, char* argv[])
         return 2;
     }
 
-    FontWarmUp fonts; // the launcher extends its work (prepare) and waits for it
+    reserveStartupHeap(); // before the first thread, for the window to come
+    FontWarmUp fonts;     // the launcher extends its work (prepare) and waits for it
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Tallybid"));
     QApplication::setApplicationVersion(QStringLiteral(TALLYBID_VERSION));
