@@ -38,6 +38,7 @@
 #include <QSqlDatabase>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <string_view>
 
 #include <sqlite3.h>
 
@@ -145,6 +146,16 @@ public:
 private:
     bool m_done = false;
 };
+
+// As the program does before main(), for the children that start it.
+void readFontsBeforeMain(int argc, char** argv, char** environment)
+{
+    if (argc >= 2 && std::string_view(argv[1]) == "--child-start")
+        FontWarmUp::startBeforeMain(environment);
+}
+[[gnu::used,
+  gnu::section(".preinit_array")]] void (*gReadFontsBeforeMain)(int, char**,
+                                                                char**) = readFontsBeforeMain;
 
 int childStart(int argc, char** argv, const QString& appDir, const QString& configDir)
 {

@@ -17,6 +17,7 @@
 #include <QScreen>
 #include <QTextStream>
 #include <cstdio>
+#include <string_view>
 
 namespace {
 
@@ -37,6 +38,22 @@ constexpr const char* kNoDisplay =
     "(DISPLAY and WAYLAND_DISPLAY are not set). To run it without a screen, start it under a\n"
     "virtual display:\n"
     "    xvfb-run -a tallybid [--appdir DIR]\n";
+
+// Runs before the libraries' own start-up code, so the font reading overlaps that too; only
+// for a command line that opens a window (a wrong one is rare enough to pay for the reading).
+void readFontsBeforeMain(int argc, char** argv, char** environment)
+{
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == "--help" || argument == "-h" || argument == "--version" ||
+            argument.starts_with("--listing"))
+            return;
+    }
+    FontWarmUp::startBeforeMain(environment);
+}
+[[gnu::used,
+  gnu::section(".preinit_array")]] void (*gReadFontsBeforeMain)(int, char**,
+                                                                char**) = readFontsBeforeMain;
 
 } // namespace
 

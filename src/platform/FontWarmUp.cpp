@@ -5,10 +5,28 @@
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <memory>
+#include <optional>
 #include <system_error>
+
+#if __has_include(<unistd.h>)
+#include <unistd.h> // environ
+#endif
 
 namespace {
 FontWarmUp* gRunning = nullptr; // the one whose reading wait() waits for
+
+// A reading begun before main(), until a FontWarmUp takes it over; waited for at exit if none
+// does. Built at compile time: the hook that fills it runs before any constructor.
+struct EarlyReading
+{
+    std::optional<std::thread> thread;
+    ~EarlyReading()
+    {
+        if (thread && thread->joinable())
+            thread->join();
+    }
+};
+constinit EarlyReading gEarly;
 } // namespace
 
 #if __has_include(<dlfcn.h>)
@@ -18,6 +36,33 @@ FontWarmUp* gRunning = nullptr; // the one whose reading wait() waits for
 
 FontWarmUp::FontWarmUp()
 {
+    if (gEarly.thread) {
+        m_thread = std::move(*gEarly.thread);
+        gEarly.thread.reset();
+        gRunning = this;
+        return;
+    }
+    m_thread = startReading();
+    if (m_thread.joinable())
+        gRunning = this;
+}
+
+void FontWarmUp::startBeforeMain(char** environment)
+{
+#if __has_include(<unistd.h>)
+    // The C library sets its environment only after this hook, and the reading looks up HOME
+    // and the configuration's own variables; it will set the same block.
+    if (!environ)
+        environ = environment;
+#else
+    (void)environment;
+#endif
+    if (std::thread thread = startReading(); thread.joinable())
+        gEarly.thread = std::move(thread);
+}
+
+std::thread FontWarmUp::startReading()
+{
 #ifdef TB_HAVE_DLSYM
     // Looked up rather than linked: Qt has loaded the library already wherever it uses it. The
     // call is safe to race with Qt's own (the library keeps whichever setup finishes first), but
@@ -25,14 +70,14 @@ FontWarmUp::FontWarmUp()
     using Init = int (*)();
     const auto init = reinterpret_cast<Init>(dlsym(RTLD_DEFAULT, "FcInit"));
     if (!init)
-        return;
+        return {};
     try {
-        m_thread = startSideThread([init] { init(); });
-        gRunning = this;
+        return startSideThread([init] { init(); });
     } catch (const std::system_error&) {
         // No thread to be had: Qt reads the configuration when it first needs it.
     }
 #endif
+    return {};
 }
 
 FontWarmUp::~FontWarmUp()

@@ -10,6 +10,9 @@
 //
 // Once the application object exists, prepare() goes on to Qt's own side of the fonts.
 //
+// The reading can begin earlier still, from the program's pre-initialisation hook
+// (startBeforeMain): the FontWarmUp made in main() then takes it over.
+//
 // One at a time, made and waited for on the main thread.
 class FontWarmUp
 {
@@ -31,6 +34,13 @@ public:
     // object exists, and wait() before it is destroyed.
     static void prepare();
 
+    // Begins the reading before the libraries' own start-up code runs, so the reading overlaps
+    // that too. For a hook in the executable's .preinit_array only, given its environment
+    // block. A reading nobody takes over is waited for when the program ends.
+    static void startBeforeMain(char** environment);
+
 private:
+    static std::thread startReading();
+
     std::thread m_thread;
 };
