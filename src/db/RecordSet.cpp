@@ -4,7 +4,6 @@
 #include "platform/Database.h"
 #include "platform/JetSql.h"
 
-#include <QRegularExpression>
 #include <algorithm>
 #include <utility>
 
@@ -26,13 +25,59 @@ namespace {
 // "… ORDER BY ID" at the end of a record source: its rows come in key order, so the keys
 // can be read in whatever order an index gives them and sorted here, and a find can ask for
 // the first match past a key.
-const QRegularExpression& keyOrderClause()
+// Reads a statement backwards, a word or sign at a time, as its end is matched.
+class BackwardReader
 {
-    static const QRegularExpression re(
-        QStringLiteral(R"(\s+ORDER\s+BY\s+(?:"?Items"?\.)?"?ID"?\s*(?:ASC\s*)?;?\s*$)"),
-        QRegularExpression::CaseInsensitiveOption);
-    return re;
-}
+public:
+    explicit BackwardReader(QStringView text) : m_text(text), m_at(text.size()) {}
+
+    qsizetype at() const { return m_at; }
+    // Blanks (space, tab, line and page breaks) just before; how many were passed.
+    qsizetype skipBlanks()
+    {
+        const qsizetype from = m_at;
+        while (m_at > 0 && isBlank(m_text[m_at - 1]))
+            --m_at;
+        return from - m_at;
+    }
+    bool take(char16_t sign)
+    {
+        if (m_at == 0 || m_text[m_at - 1] != sign)
+            return false;
+        --m_at;
+        return true;
+    }
+    // A word in capitals, matched without regard to case.
+    bool takeWord(QLatin1StringView word)
+    {
+        if (m_at < word.size())
+            return false;
+        const qsizetype from = m_at - word.size();
+        for (qsizetype i = 0; i < word.size(); ++i)
+            if (upper(m_text[from + i]) != word[i].unicode())
+                return false;
+        m_at = from;
+        return true;
+    }
+
+private:
+    static bool isBlank(QChar c)
+    {
+        const char16_t u = c.unicode();
+        return u == u' ' || (u >= u'\t' && u <= u'\r');
+    }
+    // ASCII capitals, and the long s, which folds to s like the letter itself.
+    static char16_t upper(QChar c)
+    {
+        const char16_t u = c.unicode();
+        if (u >= u'a' && u <= u'z')
+            return char16_t(u - u'a' + u'A');
+        return u == u'\u017F' ? u'S' : u;
+    }
+
+    QStringView m_text;
+    qsizetype m_at;
+};
 
 // The rows of a record source as SQL, without an ORDER BY ID at its end (keyOrder then says
 // the keys come in key order); empty SQL when the source cannot be read.
@@ -58,10 +103,10 @@ SourceRows sourceRows(const QString& recordSource)
     if (!t.ok())
         return rows;
     rows.sql = t.sql;
-    const QRegularExpressionMatch order = keyOrderClause().match(rows.sql);
-    rows.keyOrder = order.hasMatch();
+    const qsizetype order = RecordSet::keyOrderClauseStart(rows.sql);
+    rows.keyOrder = order >= 0;
     if (rows.keyOrder)
-        rows.sql.truncate(order.capturedStart());
+        rows.sql.truncate(order);
     return rows;
 }
 
@@ -74,6 +119,32 @@ RecordSet::KeyRead keyReadOf(const SourceRows& rows)
 }
 
 } // namespace
+
+qsizetype RecordSet::keyOrderClauseStart(QStringView sql)
+{
+    // Read from the end: [;] [ASC] ID, maybe quoted, maybe after Items., then BY and ORDER,
+    // each after at least one blank.
+    BackwardReader r(sql);
+    r.skipBlanks();
+    r.take(u';');
+    r.skipBlanks();
+    if (r.takeWord(QLatin1StringView("ASC")))
+        r.skipBlanks();
+    r.take(u'"');
+    if (!r.takeWord(QLatin1StringView("ID")))
+        return -1;
+    r.take(u'"');
+    if (r.take(u'.')) {
+        r.take(u'"');
+        if (!r.takeWord(QLatin1StringView("ITEMS")))
+            return -1;
+        r.take(u'"');
+    }
+    if (r.skipBlanks() == 0 || !r.takeWord(QLatin1StringView("BY")) || r.skipBlanks() == 0 ||
+        !r.takeWord(QLatin1StringView("ORDER")) || r.skipBlanks() == 0)
+        return -1;
+    return r.at();
+}
 
 RecordSet::KeyRead RecordSet::keyRead(const QString& recordSource)
 {

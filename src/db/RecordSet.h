@@ -79,6 +79,10 @@ public:
         KeyOrder order;
     };
     static KeyRead keyRead(const QString& recordSource);
+    // Where a closing "ORDER BY ID" (or Items.ID, quoted or not, ASC or not, a semicolon after)
+    // begins in a statement, the blanks before it included; -1 when it does not end so. The
+    // rows then come in key order without it.
+    static qsizetype keyOrderClauseStart(QStringView sql);
     void usePrefetchedKeys(std::shared_ptr<KeyPrefetch> keys) { m_prefetch = std::move(keys); }
     // Reads the current row again, dropping unwritten edits, and shows it: for values another
     // statement has just stored.

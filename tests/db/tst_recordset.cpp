@@ -325,6 +325,35 @@ private slots:
             }
         }
     }
+
+    // A closing ORDER BY ID is found where the pattern it stands for would find it.
+    void keyOrderClause_data()
+    {
+        QTest::addColumn<QString>("sql");
+        for (const char* sql :
+             {"SELECT * FROM Items ORDER BY ID", "SELECT * FROM Items\n\tORDER  BY  ID ;  ",
+              "SELECT * FROM Items order by items.id asc",
+              R"(SELECT * FROM Items ORDER BY "Items"."ID")",
+              R"(SELECT * FROM Items ORDER BY Items."ID"ASC;)",
+              "SELECT * FROM Items ORDER BY IDASC", "SELECT * FROM Items ORDER BY ID DESC",
+              "SELECT * FROM Items ORDER BY ItemID", "SELECT * FROM Items ORDER BY ID, Title",
+              "SELECT * FROM Items xORDER BY ID", "SELECT * FROM Items ORDER BYID",
+              "SELECT * FROM Items ORDER BY Item.ID", "SELECT * FROM Items ORDER BY ID ORDER BY ID",
+              "ORDER BY ID", " ORDER BY ID;;", "SELECT * FROM Items ORDER BY Items..ID", "", ";"})
+            QTest::newRow(sql) << QString::fromUtf8(sql);
+        QTest::newRow("long s") << QStringLiteral("SELECT 1 ORDER BY Item\u017F.ID A\u017FC");
+        QTest::newRow("no-break space") << QStringLiteral("SELECT 1\u00A0ORDER BY ID");
+    }
+    void keyOrderClause()
+    {
+        QFETCH(QString, sql);
+        static const QRegularExpression pattern(
+            QStringLiteral(R"(\s+ORDER\s+BY\s+(?:"?Items"?\.)?"?ID"?\s*(?:ASC\s*)?;?\s*$)"),
+            QRegularExpression::CaseInsensitiveOption);
+        const QRegularExpressionMatch match = pattern.match(sql);
+        QCOMPARE(RecordSet::keyOrderClauseStart(sql),
+                 match.hasMatch() ? match.capturedStart() : -1);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestRecordSet)
