@@ -135,7 +135,11 @@ frmItems::frmItems(AppContext& ctx, QSize screenPixels, QWidget* parent)
     ui->txtFields_0->setFocusPolicy(Qt::ClickFocus);
     // Editable only once its lengths are in: made editable first, the box passed every item's
     // text on to its completer as the form set it, a third of a millisecond of every start.
-    ui->comboLength->setEditable(true);
+    // Given its line box directly, it is editable as setEditable() makes it, but its list's
+    // popup is built when first opened rather than now, and set up for an editable box then.
+    auto* lengthText = new QLineEdit(ui->comboLength);
+    lengthText->setPalette(ui->comboLength->palette());
+    ui->comboLength->setLineEdit(lengthText);
     ui->comboLength->setCurrentText(QStringLiteral("7"));
     Data1->setObjectName(QStringLiteral("Data1"));
     for (int i = 0; i < 15; ++i)
