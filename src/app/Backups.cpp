@@ -77,10 +77,14 @@ std::optional<QDateTime> timeOf(const QString& fileName)
     if (!copy.isEmpty() &&
         (copy.size() < 2 || copy[0] != u'-' || !std::all_of(copy.begin() + 1, copy.end(), isDigit)))
         return std::nullopt;
-    const QDateTime when = QDateTime::fromString(time.toString(), kFormat);
-    if (!when.isValid())
+    const auto number = [time](qsizetype from, qsizetype length) {
+        return time.sliced(from, length).toInt();
+    };
+    const QDate day(number(0, 4), number(5, 2), number(8, 2));
+    const QTime at(number(11, 2), number(13, 2), number(15, 2));
+    if (!day.isValid() || !at.isValid())
         return std::nullopt;
-    return when;
+    return QDateTime(day, at);
 }
 
 bool isDue(const QStringList& fileNames, const QDateTime& now)

@@ -76,7 +76,7 @@ private slots:
         // clang-format off
         QTest::newRow("none yet") << L() << true << 7 << L();
         // Only names of dated backups count; a copy being written or the user's files never do.
-        QTest::newRow("no dated backup") << L{"mine.mdb", "tb2.mdb", "tb2-2026-13-01-000000.mdb", ".tb2-2026-11-23-110000.mdb.1f.partial", "TB2-2026-11-23-110000.MDB", "tb2-2026-11-23-11000.mdb", "tb2-2026-11-23-110000-.mdb", "tb2-2026-11-23-110000-2a.mdb", "tb2-2026-11-23 110000.mdb", "tb2-2026-11-23-110000.mdb.bak"} << true << 0 << L();
+        QTest::newRow("no dated backup") << L{"mine.mdb", "tb2.mdb", "tb2-2026-13-01-000000.mdb", ".tb2-2026-11-23-110000.mdb.1f.partial", "TB2-2026-11-23-110000.MDB", "tb2-2026-11-23-11000.mdb", "tb2-2026-11-23-110000-.mdb", "tb2-2026-11-23-110000-2a.mdb", "tb2-2026-11-23 110000.mdb", "tb2-2026-11-23-110000.mdb.bak", "tb2-2026-02-30-120000.mdb", "tb2-2026-11-23-116000.mdb"} << true << 0 << L();
         QTest::newRow("23 hours old") << L{"tb2-2026-11-22-130000.mdb"} << false << 7 << L();
         QTest::newRow("a day old") << L{"tb2-2026-11-22-120000.mdb"} << true << 1 << L();
         QTest::newRow("newest decides") << L{"tb2-2026-11-01-120000.mdb", "tb2-2026-11-23-110000.mdb"} << false << 1 << L{"tb2-2026-11-01-120000.mdb"};
