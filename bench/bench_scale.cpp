@@ -153,9 +153,8 @@ void readFontsBeforeMain(int argc, char** argv, char** environment)
     if (argc >= 2 && std::string_view(argv[1]) == "--child-start")
         FontWarmUp::startBeforeMain(environment);
 }
-[[gnu::used,
-  gnu::section(".preinit_array")]] void (*gReadFontsBeforeMain)(int, char**,
-                                                                char**) = readFontsBeforeMain;
+[[gnu::used, gnu::section(".preinit_array")]] FontWarmUp::BeforeMainHook gReadFontsBeforeMain =
+    readFontsBeforeMain;
 
 int childStart(int argc, char** argv, const QString& appDir, const QString& configDir)
 {

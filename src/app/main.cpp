@@ -51,9 +51,8 @@ void readFontsBeforeMain(int argc, char** argv, char** environment)
     }
     FontWarmUp::startBeforeMain(environment);
 }
-[[gnu::used,
-  gnu::section(".preinit_array")]] void (*gReadFontsBeforeMain)(int, char**,
-                                                                char**) = readFontsBeforeMain;
+[[gnu::used, gnu::section(".preinit_array")]] FontWarmUp::BeforeMainHook gReadFontsBeforeMain =
+    readFontsBeforeMain;
 
 } // namespace
 
@@ -100,7 +99,7 @@ int main(int argc, char* argv[])
         return 2;
     }
 
-    reserveStartupHeap(); // before the first thread, for the window to come
+    reserveStartupHeap(); // the window to come takes its memory from large pages
     FontWarmUp fonts;     // the launcher extends its work (prepare) and waits for it
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Tallybid"));

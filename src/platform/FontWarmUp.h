@@ -38,6 +38,8 @@ public:
     // that too. For a hook in the executable's .preinit_array only, given its environment
     // block. A reading nobody takes over is waited for when the program ends.
     static void startBeforeMain(char** environment);
+    // What the executable's .preinit_array holds: the hook, given argc, argv and environment.
+    using BeforeMainHook = void (*)(int, char**, char**);
 
 private:
     static std::thread startReading();

@@ -9,6 +9,7 @@
 // freed memory up to 64 MB stays in the heap for the next ones: the ceilings glibc's own
 // thresholds rise to as a program runs, taken at once.
 //
-// Call first thing in main(), before any other thread starts. Does nothing after the first
-// call, or where the C library or the system offers none of this.
+// Call first thing in main(), before the window's memory is asked for (threads already running
+// keep heaps of their own). Does nothing after the first call, or where the C library or the
+// system offers none of this.
 void reserveStartupHeap();

@@ -17,9 +17,8 @@ void readFontsBeforeMain(int, char**, char** environment)
     FontWarmUp::startBeforeMain(environment);
     gEnvironmentSeenInHook = std::getenv("XDG_CONFIG_HOME") != nullptr;
 }
-[[gnu::used,
-  gnu::section(".preinit_array")]] void (*gReadFontsBeforeMain)(int, char**,
-                                                                char**) = readFontsBeforeMain;
+[[gnu::used, gnu::section(".preinit_array")]] FontWarmUp::BeforeMainHook gReadFontsBeforeMain =
+    readFontsBeforeMain;
 
 } // namespace
 
