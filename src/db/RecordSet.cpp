@@ -22,9 +22,6 @@ RecordSet::~RecordSet() = default;
 
 namespace {
 
-// "… ORDER BY ID" at the end of a record source: its rows come in key order, so the keys
-// can be read in whatever order an index gives them and sorted here, and a find can ask for
-// the first match past a key.
 // Reads a statement backwards, a word or sign at a time, as its end is matched.
 class BackwardReader
 {
@@ -47,14 +44,14 @@ public:
         --m_at;
         return true;
     }
-    // A word in capitals, matched without regard to case.
+    // A word in lower case, matched as its case folding (the long s is an s).
     bool takeWord(QLatin1StringView word)
     {
         if (m_at < word.size())
             return false;
         const qsizetype from = m_at - word.size();
         for (qsizetype i = 0; i < word.size(); ++i)
-            if (upper(m_text[from + i]) != word[i].unicode())
+            if (m_text[from + i].toCaseFolded() != word[i])
                 return false;
         m_at = from;
         return true;
@@ -66,15 +63,6 @@ private:
         const char16_t u = c.unicode();
         return u == u' ' || (u >= u'\t' && u <= u'\r');
     }
-    // ASCII capitals, and the long s, which folds to s like the letter itself.
-    static char16_t upper(QChar c)
-    {
-        const char16_t u = c.unicode();
-        if (u >= u'a' && u <= u'z')
-            return char16_t(u - u'a' + u'A');
-        return u == u'\u017F' ? u'S' : u;
-    }
-
     QStringView m_text;
     qsizetype m_at;
 };
@@ -120,6 +108,9 @@ RecordSet::KeyRead keyReadOf(const SourceRows& rows)
 
 } // namespace
 
+// "… ORDER BY ID" at the end of a record source: its rows come in key order, so the keys
+// can be read in whatever order an index gives them and sorted here, and a find can ask for
+// the first match past a key.
 qsizetype RecordSet::keyOrderClauseStart(QStringView sql)
 {
     // Read from the end: [;] [ASC] ID, maybe quoted, maybe after Items., then BY and ORDER,
@@ -128,20 +119,20 @@ qsizetype RecordSet::keyOrderClauseStart(QStringView sql)
     r.skipBlanks();
     r.take(u';');
     r.skipBlanks();
-    if (r.takeWord(QLatin1StringView("ASC")))
+    if (r.takeWord(QLatin1StringView("asc")))
         r.skipBlanks();
     r.take(u'"');
-    if (!r.takeWord(QLatin1StringView("ID")))
+    if (!r.takeWord(QLatin1StringView("id")))
         return -1;
     r.take(u'"');
     if (r.take(u'.')) {
         r.take(u'"');
-        if (!r.takeWord(QLatin1StringView("ITEMS")))
+        if (!r.takeWord(QLatin1StringView("items")))
             return -1;
         r.take(u'"');
     }
-    if (r.skipBlanks() == 0 || !r.takeWord(QLatin1StringView("BY")) || r.skipBlanks() == 0 ||
-        !r.takeWord(QLatin1StringView("ORDER")) || r.skipBlanks() == 0)
+    if (r.skipBlanks() == 0 || !r.takeWord(QLatin1StringView("by")) || r.skipBlanks() == 0 ||
+        !r.takeWord(QLatin1StringView("order")) || r.skipBlanks() == 0)
         return -1;
     return r.at();
 }
