@@ -35,14 +35,9 @@ constinit EarlyReading gEarly;
 #endif
 
 FontWarmUp::FontWarmUp()
+    : m_thread(gEarly.thread ? std::move(*gEarly.thread) : startReading()) // the early one first
 {
-    if (gEarly.thread) {
-        m_thread = std::move(*gEarly.thread);
-        gEarly.thread.reset();
-        gRunning = this;
-        return;
-    }
-    m_thread = startReading();
+    gEarly.thread.reset();
     if (m_thread.joinable())
         gRunning = this;
 }
