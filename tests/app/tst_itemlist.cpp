@@ -84,6 +84,20 @@ private slots:
         QCOMPARE(w.selectedRow(), 9);
     }
 
+    // The view reopened at start-up fills the list once the window has been painted, on the
+    // window's item, with no command run.
+    void reopenedViewFillsIt()
+    {
+        TestEnvironment env;
+        env.addNumberedItems(9);
+        env.store().save(u"Tallybid"_s, u"System"_s, u"ItemsViewed"_s, u"Open"_s);
+        ListWindow w(env);
+        QTRY_COMPARE(w.rowsShown(), 6);
+        QCOMPARE(w.titleAt(2), u"Item 4"_s);
+        QCOMPARE(w.selectedRow(), 0);
+        QCOMPARE(w.counters(), u"1/6"_s);
+    }
+
     // Leaving an item through the list writes what was typed, and the list shows it. Rows are
     // added to the choice with Ctrl, in the list's order, for Export.
     void choosingRows()
