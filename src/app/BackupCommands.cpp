@@ -83,7 +83,7 @@ void waitForStartupBackup(const AppContext& ctx)
 void backUpNow(AppContext& ctx, QWidget* owner)
 {
     waitForStartupBackup(ctx);
-    const QString folder = ctx.appFile(Backups::kFolder);
+    const QString folder = Backups::folderOf(ctx.state.appPath);
     QDir().mkpath(folder);
     const QString path = ctx.prompts.saveFileName(
         Texts::kBackupTitle, folder + u'/' + Backups::fileName(QDateTime::currentDateTime()),
@@ -113,7 +113,7 @@ void backUpNow(AppContext& ctx, QWidget* owner)
 bool restoreBackup(AppContext& ctx, QWidget* owner, const std::function<void()>& reopen)
 {
     waitForStartupBackup(ctx);
-    const QString folder = ctx.appFile(Backups::kFolder);
+    const QString folder = Backups::folderOf(ctx.state.appPath);
     const QString path =
         ctx.prompts.openFileName(Texts::kRestoreTitle, folder, Texts::kBackupFilter);
     if (path.isEmpty())

@@ -135,7 +135,7 @@ std::optional<DueBackup> snapshotIfDue(const QString& appPath, const QString& da
                                        int kept, const QDateTime& now)
 {
     DueBackup due;
-    due.folder = appPath + u'/' + kFolder;
+    due.folder = folderOf(appPath);
     if (kept < 1 || !isDue(backupNames(due.folder), now))
         return std::nullopt;
     if (!QDir().mkpath(due.folder)) {

@@ -15,6 +15,11 @@ class SettingsStore;
 namespace Backups {
 
 inline const QString kFolder = QStringLiteral("Backups");
+// The Backups folder of an application folder.
+inline QString folderOf(const QString& appPath)
+{
+    return appPath + u'/' + kFolder;
+}
 // Section and key of the number of dated backups kept; below 1 switches start-up backups off.
 inline const QString kSection = QStringLiteral("Options");
 inline const QString kKeptKey = QStringLiteral("BackupsKept");

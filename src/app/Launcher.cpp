@@ -155,7 +155,7 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     // A copy of the items at most a day old. Its snapshot is taken now, before this run can
     // change them; the copying goes on beside the window, and a failure is said once known.
     m_backupReports = std::make_unique<QObject>();
-    const QString backupFolder = appPath + u'/' + Backups::kFolder;
+    const QString backupFolder = Backups::folderOf(appPath);
     m_backup = std::make_unique<Backups::StartupBackup>(
         appPath, databasePath, Backups::keptCount(m_store), QDateTime::currentDateTime(),
         [this, reports = m_backupReports.get(),
