@@ -172,6 +172,11 @@ bool Launcher::start(const QStringList& arguments, const QString& executableDir,
     state.waitForStartupBackup = [backup = m_backup.get()] { backup->wait(); };
 
     state.options = OptionsRecord::load(m_store);
+    // Kept keys are read here while the fonts still are (this thread would only wait), or
+    // beside the window once they are in: a thread of their own started earlier took the core
+    // the font reading was on.
+    if (m_startupKeys)
+        FontWarmUp::ready() ? m_startupKeys->readKeptAside() : m_startupKeys->readKeptHere();
     FontWarmUp::wait(); // the window's first box lays out text
     m_window = std::make_unique<frmItems>(*m_context, screenPixels);
     Startup::deletePageCache(appPath);

@@ -393,14 +393,19 @@ IdScan scanIds(const QSqlDatabase& db, const QString& sql, const QVariantList& v
     return h ? scanIdsOn(h, sql, values, timeLimitMs) : notOpen();
 }
 
-KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder order,
-                         const QString& keptFile)
-    : m_sql(sql), m_version(dataVersion(db))
+// One reading of a statement's keys: from the kept file when it holds them, else from the
+// database, keeping them for the next start.
+struct KeyPrefetch::Reading
 {
     std::promise<IdScan> promise;
-    m_keys = promise.get_future();
-    auto work = [promise = std::move(promise), uri = db.databaseName(), file = fileOfConnection(db),
-                 sql, order, keptFile]() mutable {
+    QString uri;
+    QString file;
+    QString sql;
+    KeyOrder order;
+    QString keptFile;
+
+    void operator()()
+    {
         if (std::optional<QList<qint64>> kept = KeyCache::load(keptFile, file, sql)) {
             IdScan result;
             result.ids = std::move(*kept);
@@ -413,13 +418,44 @@ KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder or
         promise.set_value(std::move(read.keys));
         if (read.state)
             KeyCache::save(keptFile, *read.state, sql, keys);
-    };
-    try {
-        m_worker = startSideThread(std::move(work));
-    } catch (const std::system_error&) {
-        // No thread to be had: take() gives nothing and the window reads the keys itself.
-        m_keys = {};
     }
+};
+
+KeyPrefetch::KeyPrefetch(const QSqlDatabase& db, const QString& sql, KeyOrder order,
+                         const QString& keptFile)
+    : m_sql(sql), m_version(dataVersion(db))
+{
+    const QString file = fileOfConnection(db);
+    auto reading =
+        std::make_shared<Reading>(Reading{{}, db.databaseName(), file, sql, order, keptFile});
+    m_keys = reading->promise.get_future();
+    if (KeyCache::holds(keptFile, file, sql))
+        m_deferred = std::move(reading);
+    else if (!startAside(reading))
+        m_keys = {}; // no thread to be had: take() gives nothing, the window reads them itself
+}
+
+bool KeyPrefetch::startAside(const std::shared_ptr<Reading>& reading)
+{
+    try {
+        m_worker = startSideThread([reading] { (*reading)(); });
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
+}
+
+void KeyPrefetch::readKeptHere()
+{
+    if (const std::shared_ptr<Reading> reading = std::exchange(m_deferred, nullptr))
+        (*reading)();
+}
+
+void KeyPrefetch::readKeptAside()
+{
+    if (const std::shared_ptr<Reading> reading = std::exchange(m_deferred, nullptr);
+        reading && !startAside(reading))
+        (*reading)();
 }
 
 KeyPrefetch::~KeyPrefetch()
@@ -430,6 +466,7 @@ KeyPrefetch::~KeyPrefetch()
 
 std::optional<QList<qint64>> KeyPrefetch::take(const QSqlDatabase& db, const QString& sql)
 {
+    readKeptHere(); // left for now and never started
     if (!m_keys.valid())
         return std::nullopt;
     IdScan keys = m_keys.get();

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <future>
+#include <memory>
 #include <optional>
 #include <thread>
 
@@ -65,6 +66,12 @@ enum class KeyOrder
 // another thread, while the caller goes on building what will need them. With a kept-keys file
 // (KeyCache) the keys come from it when it holds them for the database as it is; otherwise they
 // are read and, the database file unchanged meanwhile, kept in it for the next start.
+//
+// Keys the kept file holds take a fraction of a millisecond: that reading is left for the
+// caller to start, since a new thread would share a core with whatever else the caller has
+// running beside it. readKeptHere() reads them on the calling thread (where it would otherwise
+// wait), readKeptAside() on a thread of their own (once a core is free); take() reads them if
+// neither was asked for.
 class KeyPrefetch
 {
 public:
@@ -79,10 +86,18 @@ public:
     // caller reads them itself.
     std::optional<QList<qint64>> take(const QSqlDatabase& db, const QString& sql);
 
+    // Start the reading left for the caller, if any (see above); nothing otherwise.
+    void readKeptHere();
+    void readKeptAside();
+
 private:
+    struct Reading;
+    bool startAside(const std::shared_ptr<Reading>& reading);
+
     QString m_sql;
     QString m_version;
     std::future<IdScan> m_keys;
+    std::shared_ptr<Reading> m_deferred; // a reading the kept file serves, not yet started
     std::thread m_worker;
 };
 

@@ -4,6 +4,7 @@
 
 #include <QFontMetrics>
 #include <QGuiApplication>
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -14,6 +15,10 @@
 
 namespace {
 FontWarmUp* gRunning = nullptr; // the one whose reading wait() waits for
+// The steps' ends: the configuration's reading, then Qt's side of it when prepare() asked.
+constinit std::atomic<bool> gConfigurationRead{false};
+constinit std::atomic<bool> gQtSideAsked{false};
+constinit std::atomic<bool> gQtSideDone{false};
 
 // A reading begun before main(), until a FontWarmUp takes it over; waited for at exit if none
 // does. Built at compile time: the hook that fills it runs before any constructor.
@@ -67,7 +72,11 @@ std::thread FontWarmUp::startReading()
     if (!init)
         return {};
     try {
-        return startSideThread([init] { init(); });
+        gConfigurationRead = gQtSideAsked = gQtSideDone = false;
+        return startSideThread([init] {
+            init();
+            gConfigurationRead = true;
+        });
     } catch (const std::system_error&) {
         // No thread to be had: Qt reads the configuration when it first needs it.
     }
@@ -89,12 +98,20 @@ void FontWarmUp::wait()
         gRunning->m_thread.join();
 }
 
+bool FontWarmUp::ready()
+{
+    if (!gRunning || !gRunning->m_thread.joinable())
+        return true;
+    return gQtSideAsked ? gQtSideDone.load() : gConfigurationRead.load();
+}
+
 void FontWarmUp::prepare()
 {
     if (!gRunning || !qGuiApp)
         return;
     // The configuration's reading is joined by whichever thread ends up holding it.
     auto reading = std::make_shared<std::thread>(std::move(gRunning->m_thread));
+    gQtSideAsked = true;
     try {
         gRunning->m_thread = startSideThread([reading, font = QGuiApplication::font()] {
             if (reading->joinable())
@@ -102,6 +119,7 @@ void FontWarmUp::prepare()
             // Loads a face for this thread alone (Qt keeps those per thread); what the main
             // thread will want is the list and the fallbacks made on the way.
             QFontMetrics(font).height();
+            gQtSideDone = true;
         });
     } catch (const std::system_error&) {
         if (reading->joinable())

@@ -28,6 +28,9 @@ public:
     // the thread is still reading costs the whole reading twice over.
     static void wait();
 
+    // Whether wait() would return at once: nothing is being read, or the reading is over.
+    static bool ready();
+
     // Goes on, once the configuration is read, to Qt's list of the system's fonts and the
     // fallbacks of the application's font: Qt keeps both for the whole process, so the first
     // text on the main thread finds them made. Call on the main thread once the application

@@ -117,39 +117,76 @@ QString keptFileFor(const QString& folder, const QString& databaseFile)
                QCryptographicHash::hash(name, QCryptographicHash::Sha1).toHex().left(16));
 }
 
+namespace {
+
+// What leads a kept file: the database file's state and the statement the keys are of.
+struct Header
+{
+    FileState state;
+    QByteArray sql;
+    quint64 count = 0;
+};
+
+std::optional<Header> readHeader(Reader& in)
+{
+    Header header;
+    quint32 sqlSize = 0;
+    if (!in.get(header.state.device) || !in.get(header.state.inode) || !in.get(header.state.size) ||
+        !in.get(header.state.modifiedNs) || !in.get(header.state.changedNs) || !in.get(sqlSize) ||
+        !in.getBytes(sqlSize, header.sql) || !in.get(header.count))
+        return std::nullopt;
+    return header;
+}
+
+bool describes(const Header& header, const QString& databaseFile, const QString& sql)
+{
+    const std::optional<FileState> now = stateOf(databaseFile);
+    return now && header.state == *now && header.sql == sql.toUtf8();
+}
+
+constexpr qsizetype kMagicSize = sizeof kMagic - 1;
+
+} // namespace
+
+bool holds(const QString& keptFile, const QString& databaseFile, const QString& sql)
+{
+    QFile file(keptFile);
+    if (keptFile.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return false;
+    // The fixed fields, then the statement: it may be longer than a first guess.
+    constexpr qsizetype kFixed =
+        kMagicSize + 5 * qsizetype(sizeof(qint64)) + qsizetype(sizeof(quint32));
+    const QByteArray start = file.read(kFixed + sql.size() * 3 + qsizetype(sizeof(quint64)));
+    if (!start.startsWith(QByteArrayView(kMagic, kMagicSize)))
+        return false;
+    Reader in(start.constData() + kMagicSize, start.size() - kMagicSize);
+    const std::optional<Header> header = readHeader(in);
+    return header && describes(*header, databaseFile, sql);
+}
+
 std::optional<QList<qint64>> load(const QString& keptFile, const QString& databaseFile,
                                   const QString& sql)
 {
-    if (keptFile.isEmpty())
-        return std::nullopt;
-    const std::optional<FileState> now = stateOf(databaseFile);
     QFile file(keptFile);
-    if (!now || !file.open(QIODevice::ReadOnly))
+    if (keptFile.isEmpty() || !file.open(QIODevice::ReadOnly))
         return std::nullopt;
     const QByteArray content = file.readAll();
     constexpr qsizetype kSumSize = sizeof(quint64);
-    if (content.size() < qsizetype(sizeof kMagic - 1) + kSumSize ||
-        !content.startsWith(QByteArrayView(kMagic, sizeof kMagic - 1)))
+    if (content.size() < kMagicSize + kSumSize ||
+        !content.startsWith(QByteArrayView(kMagic, kMagicSize)))
         return std::nullopt;
     quint64 stored = 0;
     std::memcpy(&stored, content.constData() + content.size() - kSumSize, kSumSize);
     if (stored != checksum(content.constData(), content.size() - kSumSize))
         return std::nullopt;
 
-    Reader in(content.constData() + sizeof kMagic - 1,
-              content.size() - qsizetype(sizeof kMagic - 1) - kSumSize);
-    FileState kept;
-    quint32 sqlSize = 0;
-    QByteArray keptSql;
-    quint64 count = 0;
-    if (!in.get(kept.device) || !in.get(kept.inode) || !in.get(kept.size) ||
-        !in.get(kept.modifiedNs) || !in.get(kept.changedNs) || !in.get(sqlSize) ||
-        !in.getBytes(sqlSize, keptSql) || !in.get(count))
-        return std::nullopt;
-    if (kept != *now || keptSql != sql.toUtf8() || count > quint64(content.size()))
+    Reader in(content.constData() + kMagicSize, content.size() - kMagicSize - kSumSize);
+    const std::optional<Header> header = readHeader(in);
+    if (!header || !describes(*header, databaseFile, sql) ||
+        header->count > quint64(content.size()))
         return std::nullopt;
     QList<qint64> keys;
-    keys.resize(qsizetype(count));
+    keys.resize(qsizetype(header->count));
     qint64 key = 0;
     for (qint64& slot : keys) {
         qint64 delta = 0;

@@ -34,6 +34,10 @@ std::optional<FileState> stateOf(const QString& databaseFile);
 // The kept file for a database file in the given folder (one per database).
 QString keptFileFor(const QString& folder, const QString& databaseFile);
 
+// Whether keptFile was kept for sql and databaseFile as it is now, from its first few bytes:
+// a quick look that says whether load() is worth its time, not that it will succeed.
+bool holds(const QString& keptFile, const QString& databaseFile, const QString& sql);
+
 // The keys sql lists, when keptFile holds them for databaseFile as it is now.
 std::optional<QList<qint64>> load(const QString& keptFile, const QString& databaseFile,
                                   const QString& sql);

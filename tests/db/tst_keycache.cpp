@@ -65,15 +65,19 @@ private slots:
     void keptKeysUsed_data()
     {
         QTest::addColumn<QString>("change");
+        QTest::addColumn<bool>("held"); // by its first bytes
         QTest::addColumn<bool>("used");
-        QTest::newRow("nothing") << "" << true;
-        QTest::newRow("a row added and checkpointed") << "insert" << false;
-        QTest::newRow("a write still in the log") << "unsettled" << false;
-        QTest::newRow("the file replaced by a copy of itself") << "copy" << false;
-        QTest::newRow("another statement") << "statement" << false;
-        QTest::newRow("a damaged byte") << "damage" << false;
-        QTest::newRow("cut short") << "truncate" << false;
-        QTest::newRow("an empty file") << "empty" << false;
+        // clang-format off
+        QTest::newRow("nothing")                               << ""          << true  << true;
+        QTest::newRow("a row added and checkpointed")          << "insert"    << false << false;
+        QTest::newRow("a write still in the log")              << "unsettled" << false << false;
+        QTest::newRow("the file replaced by a copy of itself") << "copy"      << false << false;
+        QTest::newRow("another statement")                     << "statement" << false << false;
+        QTest::newRow("a damaged byte in its head")            << "damage"    << false << false;
+        QTest::newRow("a damaged key")                         << "damagekey" << true  << false;
+        QTest::newRow("cut short")                             << "truncate"  << true  << false;
+        QTest::newRow("an empty file")                         << "empty"     << false << false;
+        // clang-format on
     }
     void keptKeysUsed()
     {
@@ -92,25 +96,36 @@ private slots:
             QVERIFY(std::rename(QFile::encodeName(copy).constData(),
                                 QFile::encodeName(databaseFile()).constData()) == 0);
             QVERIFY(db.open());
-        } else if (change == u"damage" || change == u"truncate" || change == u"empty") {
+        } else if (change.startsWith(u"damage") || change == u"truncate" || change == u"empty") {
             QVERIFY(kept.open(QIODevice::ReadWrite));
             QByteArray content = kept.readAll();
-            if (change == u"damage")
-                content[content.size() / 2] = char(content.at(content.size() / 2) ^ 0x10);
+            // The middle lies in the head (state, statement); the last key just before the sum.
+            const qsizetype at = change == u"damage" ? content.size() / 2 : content.size() - 9;
+            if (change.startsWith(u"damage"))
+                content[at] = char(content.at(at) ^ 0x10);
             else
                 content.chop(change == u"empty" ? content.size() : 3);
             QVERIFY(kept.resize(0) && kept.seek(0) && kept.write(content) == content.size());
             kept.close();
         }
         const QString asked = change == u"statement" ? kSql + u' ' : kSql;
+        QTEST(KeyCache::holds(keptFile(), databaseFile(), asked), "held");
         const bool used = KeyCache::load(keptFile(), databaseFile(), asked) == kForged;
         QTEST(used, "used");
 
-        // Read ahead at a start, kept keys stand in for the read, and only they do.
-        KeyPrefetch prefetch(db, asked, KeyOrder::Ascending, keptFile());
-        const auto taken = prefetch.take(db, asked);
-        QVERIFY(taken.has_value());
-        QCOMPARE(*taken, used ? kForged : SourceReader().keys(db, asked, KeyOrder::Ascending).ids);
+        // Read ahead at a start, kept keys stand in for the read, and only they do, however the
+        // reading left to the caller is started (or not at all).
+        const QList<qint64> read = SourceReader().keys(db, asked, KeyOrder::Ascending).ids;
+        for (const char* start : {"by take", "here", "aside"}) {
+            KeyPrefetch prefetch(db, asked, KeyOrder::Ascending, keptFile());
+            if (qstrcmp(start, "here") == 0)
+                prefetch.readKeptHere();
+            else if (qstrcmp(start, "aside") == 0)
+                prefetch.readKeptAside();
+            const auto taken = prefetch.take(db, asked);
+            QVERIFY2(taken.has_value(), start);
+            QCOMPARE(*taken, used ? kForged : read);
+        }
     }
 
     // A start that read the keys keeps them for the next, unless the file changed meanwhile.

@@ -38,7 +38,13 @@ private slots:
         char* argv[] = {name, nullptr};
         QGuiApplication app(argc, argv);
         FontWarmUp::prepare();
+        // Ready only once Qt's side is made too, which the configuration's end alone is not.
+        QDeadlineTimer deadline(5000);
+        while (!FontWarmUp::ready() && !deadline.hasExpired())
+            std::this_thread::yield();
+        QVERIFY(FontWarmUp::ready());
         FontWarmUp::wait();
+        QVERIFY(FontWarmUp::ready());
         QVERIFY(!QFontDatabase::families().isEmpty());
     }
 };
