@@ -466,7 +466,7 @@ KeyPrefetch::~KeyPrefetch()
 
 std::optional<QList<qint64>> KeyPrefetch::take(const QSqlDatabase& db, const QString& sql)
 {
-    readKeptHere(); // left for now and never started
+    readKeptHere(); // a reading left to the caller that nobody started
     if (!m_keys.valid())
         return std::nullopt;
     IdScan keys = m_keys.get();

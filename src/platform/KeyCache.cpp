@@ -153,7 +153,8 @@ bool holds(const QString& keptFile, const QString& databaseFile, const QString& 
     QFile file(keptFile);
     if (keptFile.isEmpty() || !file.open(QIODevice::ReadOnly))
         return false;
-    // The fixed fields, then the statement: it may be longer than a first guess.
+    // The fixed fields, the statement and the count: room for a statement that is sql (three
+    // bytes a character at most); a longer one is another statement.
     constexpr qsizetype kFixed =
         kMagicSize + 5 * qsizetype(sizeof(qint64)) + qsizetype(sizeof(quint32));
     const QByteArray start = file.read(kFixed + sql.size() * 3 + qsizetype(sizeof(quint64)));
