@@ -48,7 +48,7 @@ Launcher::Launcher(Prompts& prompts, Shell& shell, SettingsStore& store, TimeZon
 
 Launcher::~Launcher()
 {
-    FontWarmUp::wait(); // it uses Qt, which ends with the application object
+    FontWarmUp::finish(); // its thread uses Qt, which ends with the application object
     const bool ran = m_window != nullptr;
     m_window.reset();
     // A start-up backup still being copied is finished: it is the copy of the day. What it has

@@ -76,6 +76,7 @@ std::thread FontWarmUp::startReading()
         return startSideThread([init] {
             init();
             gConfigurationRead = true;
+            gConfigurationRead.notify_all();
         });
     } catch (const std::system_error&) {
         // No thread to be had: Qt reads the configuration when it first needs it.
@@ -93,6 +94,16 @@ FontWarmUp::~FontWarmUp()
 }
 
 void FontWarmUp::wait()
+{
+    if (!gRunning || !gRunning->m_thread.joinable())
+        return;
+    // The work's end rather than the thread's: the thread then lets go of its own copy of the
+    // fonts (Qt keeps faces per thread), about a tenth of a millisecond nobody needs to wait
+    // for. It is joined when its FontWarmUp goes.
+    (gQtSideAsked ? gQtSideDone : gConfigurationRead).wait(false);
+}
+
+void FontWarmUp::finish()
 {
     if (gRunning && gRunning->m_thread.joinable())
         gRunning->m_thread.join();
@@ -120,8 +131,10 @@ void FontWarmUp::prepare()
             // thread will want is the list and the fallbacks made on the way.
             QFontMetrics(font).height();
             gQtSideDone = true;
+            gQtSideDone.notify_all();
         });
     } catch (const std::system_error&) {
+        gQtSideAsked = false; // Qt's side is left to the main thread
         if (reading->joinable())
             reading->join();
     }

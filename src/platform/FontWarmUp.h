@@ -28,6 +28,10 @@ public:
     // the thread is still reading costs the whole reading twice over.
     static void wait();
 
+    // Waits for the thread to end as well, its own copy of the fonts let go: it uses Qt, which
+    // ends with the application object.
+    static void finish();
+
     // Whether wait() would return at once: nothing is being read, or the reading is over.
     static bool ready();
 

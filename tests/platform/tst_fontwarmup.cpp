@@ -46,6 +46,7 @@ private slots:
         FontWarmUp::wait();
         QVERIFY(FontWarmUp::ready());
         QVERIFY(!QFontDatabase::families().isEmpty());
+        FontWarmUp::finish(); // before the application object goes
     }
 };
 
