@@ -99,7 +99,7 @@ void FontWarmUp::wait()
         return;
     // The work's end rather than the thread's: the thread then lets go of its own copy of the
     // fonts (Qt keeps faces per thread), about a tenth of a millisecond nobody needs to wait
-    // for. It is joined when its FontWarmUp goes.
+    // for. It is joined by finish(), or when its FontWarmUp goes.
     (gQtSideAsked ? gQtSideDone : gConfigurationRead).wait(false);
 }
 
