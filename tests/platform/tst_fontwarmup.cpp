@@ -38,7 +38,7 @@ private slots:
         char* argv[] = {name, nullptr};
         QGuiApplication app(argc, argv);
         FontWarmUp::prepare();
-        // Ready only once Qt's side is made too, which the configuration's end alone is not.
+        // Ready by itself once the work is done, with nobody waiting for it yet.
         QDeadlineTimer deadline(5000);
         while (!FontWarmUp::ready() && !deadline.hasExpired())
             std::this_thread::yield();
