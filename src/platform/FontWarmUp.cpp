@@ -15,9 +15,10 @@
 
 namespace {
 FontWarmUp* gRunning = nullptr; // the one whose reading wait() waits for
-// The steps' ends: the configuration's reading, then Qt's side of it when prepare() asked.
+// The steps' ends, set by the thread doing them: the configuration's reading, then Qt's side
+// of it when prepare() asked for that (which only the main thread asks and reads).
 constinit std::atomic<bool> gConfigurationRead{false};
-constinit std::atomic<bool> gQtSideAsked{false};
+constinit bool gQtSideAsked = false;
 constinit std::atomic<bool> gQtSideDone{false};
 
 // A reading begun before main(), until a FontWarmUp takes it over; waited for at exit if none
@@ -72,7 +73,9 @@ std::thread FontWarmUp::startReading()
     if (!init)
         return {};
     try {
-        gConfigurationRead = gQtSideAsked = gQtSideDone = false;
+        gConfigurationRead = false;
+        gQtSideAsked = false;
+        gQtSideDone = false;
         return startSideThread([init] {
             init();
             gConfigurationRead = true;

@@ -38,7 +38,7 @@ public:
     // Goes on, once the configuration is read, to Qt's list of the system's fonts and the
     // fallbacks of the application's font: Qt keeps both for the whole process, so the first
     // text on the main thread finds them made. Call on the main thread once the application
-    // object exists, and wait() before it is destroyed.
+    // object exists, and finish() before it is destroyed.
     static void prepare();
 
     // Begins the reading before the libraries' own start-up code runs, so the reading overlaps

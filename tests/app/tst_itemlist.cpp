@@ -84,8 +84,7 @@ private slots:
         QCOMPARE(w.selectedRow(), 9);
     }
 
-    // The view reopened at start-up fills the list once the window has been painted, on the
-    // window's item, with no command run.
+    // The view reopened at start-up fills the list, on the window's item, with no command run.
     void reopenedViewFillsIt()
     {
         TestEnvironment env;
